@@ -1,0 +1,89 @@
+#include "cli/CleanOutput.h"
+
+#include <filesystem>
+#include <ostream>
+
+#include <fmt/format.h>
+
+#include "cli/Arguments.h"
+#include "clean/Sections.h"
+#include "core/ByteFormatter.h"
+
+namespace halcyra::cli {
+namespace {
+
+std::string absoluteFolder(const std::string& option, const std::string& value) {
+  std::error_code error;
+  const auto path = std::filesystem::absolute(value, error);
+  if (error || !std::filesystem::is_directory(path, error)) {
+    throw CommandError(option + ": no such folder: " + value);
+  }
+  return path.lexically_normal().string();
+}
+
+} // namespace
+
+platform::SystemPaths systemPathsFrom(const Arguments& arguments) {
+  platform::SystemPaths current = platform::SystemPaths::current();
+  const auto home = arguments.value("--home");
+  const auto root = arguments.value("--root");
+  return platform::SystemPaths(home ? absoluteFolder("--home", *home) : current.home(),
+                               root ? absoluteFolder("--root", *root) : current.root());
+}
+
+nlohmann::json categoryToJson(const clean::CleanCategory& category) {
+  nlohmann::json items = nlohmann::json::array();
+  for (const auto& item : category.items) {
+    items.push_back({{"id", item.id}, {"path", item.path}, {"size", item.size}, {"isSelected", item.isSelected}});
+  }
+  return {
+      {"id", category.id},
+      {"name", category.name},
+      {"icon", category.icon},
+      {"section", category.section},
+      {"items", std::move(items)},
+      {"isSelected", category.isSelected},
+      {"isWhitelisted", category.isWhitelisted},
+      {"skipReason", category.skipReason ? nlohmann::json(*category.skipReason) : nlohmann::json(nullptr)},
+  };
+}
+
+void printCategories(std::ostream& out, const std::vector<clean::CleanCategory>& categories, bool selectedOnly) {
+  std::int64_t total = 0;
+  std::size_t itemCount = 0;
+  for (const auto& [section, members] : clean::orderedSections(categories)) {
+    std::int64_t sectionSize = 0;
+    for (const auto& category : members) {
+      if (!clean::isReclaimable(category)) continue;
+      sectionSize += selectedOnly ? category.selectedSize() : [&] {
+        std::int64_t sum = 0;
+        for (const auto& item : category.items) sum += item.size;
+        return sum;
+      }();
+    }
+    out << fmt::format("{} — {}\n", clean::sectionTitle(section), core::ByteFormatter::format(sectionSize));
+    for (const auto& category : members) {
+      if (category.isWhitelisted) continue;
+      if (category.skipReason) {
+        out << fmt::format("  {:<36} skipped: {}\n", category.name, *category.skipReason);
+        continue;
+      }
+      std::int64_t size = 0;
+      std::size_t count = 0;
+      for (const auto& item : category.items) {
+        if (selectedOnly && !item.isSelected) continue;
+        size += item.size;
+        ++count;
+      }
+      if (selectedOnly && count == 0) continue;
+      total += size;
+      itemCount += count;
+      out << fmt::format("  {:<36} {:>10}  {} {}\n", category.name, core::ByteFormatter::format(size), count,
+                         count == 1 ? "item" : "items");
+    }
+  }
+  out << fmt::format("{} of junk files ({} {})\n", core::ByteFormatter::format(total), itemCount,
+                     itemCount == 1 ? "item" : "items");
+}
+
+} // namespace halcyra::cli

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/PrivilegedRunner.h"
+#include "platform/ProcessRunner.h"
+#include "platform/RunningApplications.h"
+#include "platform/SystemPaths.h"
+#include "platform/Trash.h"
+
+namespace halcyra::platform {
+
+/// Everything an engine may ask of the operating system, in one bundle. The real one comes
+/// from `forSystem`; tests fill the fields with doubles and a fake home and root.
+struct Platform {
+  SystemPaths paths = SystemPaths::current();
+  std::shared_ptr<ProcessRunner> processes;
+  std::shared_ptr<RunningApplications> runningApps;
+  std::shared_ptr<Trash> trash;
+  std::shared_ptr<PrivilegedRunner> privileged;
+
+  /// The real implementations for this operating system, looking at `paths`.
+  static Platform forSystem(SystemPaths paths = SystemPaths::current());
+};
+
+} // namespace halcyra::platform

@@ -1,0 +1,18 @@
+#include "platform/Platform.h"
+
+#include "platform/PkexecPrivilegedRunner.h"
+
+namespace halcyra::platform {
+
+Platform Platform::forSystem(SystemPaths paths) {
+  Platform platform;
+  const bool ownHome = paths.home() == SystemPaths::current().home();
+  platform.trash = std::make_shared<FreedesktopTrash>(freedesktopTrashDirectory(paths.home(), ownHome));
+  platform.paths = std::move(paths);
+  platform.processes = std::make_shared<SystemProcessRunner>();
+  platform.runningApps = std::make_shared<SystemRunningApplications>();
+  platform.privileged = std::make_shared<PkexecPrivilegedRunner>(platform.processes);
+  return platform;
+}
+
+} // namespace halcyra::platform

@@ -1,0 +1,57 @@
+#include "platform/SystemPaths.h"
+
+#include <cstdlib>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace halcyra::platform {
+namespace {
+
+std::string withoutTrailingSlash(std::string path) {
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  return path;
+}
+
+} // namespace
+
+SystemPaths::SystemPaths(std::string home, std::string root)
+    : home_(withoutTrailingSlash(std::move(home))), root_(withoutTrailingSlash(std::move(root))) {
+  if (root_.empty()) root_ = "/";
+}
+
+SystemPaths SystemPaths::current() {
+  std::string home;
+  if (const char* env = std::getenv("HOME"); env != nullptr && env[0] == '/') {
+    home = env;
+  } else if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr) {
+    home = entry->pw_dir;
+  } else {
+    home = "/";
+  }
+  return SystemPaths(home, "/");
+}
+
+std::string SystemPaths::system(std::string_view absolutePath) const {
+  if (root_ == "/") return std::string(absolutePath);
+  std::string result = root_;
+  if (absolutePath.empty() || absolutePath.front() != '/') result.push_back('/');
+  result.append(absolutePath);
+  return result;
+}
+
+std::string SystemPaths::inHome(std::string_view relativePath) const {
+  std::string result = home_;
+  if (relativePath.empty()) return result;
+  if (result != "/") result.push_back('/');
+  result.append(relativePath);
+  return result;
+}
+
+std::string SystemPaths::expand(std::string_view path) const {
+  if (path == "~") return home_;
+  if (path.starts_with("~/")) return inHome(path.substr(2));
+  if (path.starts_with("/")) return system(path);
+  return std::string(path);
+}
+
+} // namespace halcyra::platform
