@@ -16,7 +16,7 @@ std::string removalShellLine(const std::vector<std::string>& paths) {
   std::string line;
   for (const auto& path : paths) {
     if (!line.empty()) line += " && ";
-    line += "rm -rf -- " + shellQuote(path);
+    line += "rm -rf " + shellQuote(path);
   }
   return line;
 }

@@ -10,8 +10,8 @@ namespace halcyra::platform {
 /// or an invalid UTF-8 byte included, reaches the command unchanged as one argument.
 std::string shellQuote(std::string_view path);
 
-/// "rm -rf '<p1>' && rm -rf '<p2>' ...", in the given order. Each path is quoted with
-/// shellQuote, and "--" keeps a name that starts with "-" from being read as an option.
+/// "rm -rf '<p1>' && rm -rf '<p2>' ...", in the given order, each path quoted with shellQuote.
+/// Paths must be absolute: starting with "/", none can be taken for an option of rm.
 std::string removalShellLine(const std::vector<std::string>& paths);
 
 /// The shell line as the inside of an AppleScript string literal: backslash first, then the
