@@ -9,9 +9,4 @@ std::vector<CleanCategory> NativeCleanService::scan(const StatusCallback& onProg
   return {};
 }
 
-CleanResult NativeCleanService::clean(const std::vector<CleanItem>&, const StatusCallback& onProgress) {
-  if (onProgress) onProgress("Cleanup complete");
-  return {};
-}
-
 } // namespace halcyra::clean
