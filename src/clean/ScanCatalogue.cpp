@@ -539,7 +539,7 @@ const std::set<std::string>& protectedCacheEntries() {
 }
 
 const std::vector<std::string>& protectedCachePrefixes() {
-  // Case-sensitive prefixes, in the order of the description.
+  // Case-sensitive prefixes, in their documented order.
   static const std::vector<std::string> prefixes{
       "com.apple.finder",
       "com.apple.FontRegistry",
