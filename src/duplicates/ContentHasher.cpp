@@ -1,0 +1,447 @@
+#include "duplicates/ContentHasher.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <condition_variable>
+#include <cstring>
+#include <deque>
+#include <exception>
+#include <fcntl.h>
+#include <memory>
+#include <mutex>
+#include <numeric>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+#include <openssl/evp.h>
+
+namespace halcyra::duplicates {
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+constexpr std::int64_t kEdgeBlock = 4096;
+// Up to two edge blocks, reading the whole file costs what the probe would.
+constexpr std::int64_t kWholeReadLimit = 2 * kEdgeBlock;
+
+// A descriptor of a name that was a regular file when opened.
+class RegularFile {
+public:
+  RegularFile() = default;
+  RegularFile(const RegularFile&) = delete;
+  RegularFile& operator=(const RegularFile&) = delete;
+  ~RegularFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  // O_NOFOLLOW: a name swapped for a link is not followed. O_NONBLOCK: a name swapped for a
+  // FIFO cannot hang the open; fstat then turns it away before any read.
+  bool open(const std::string& path) {
+    descriptor_ = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor_ < 0) return false;
+    return ::fstat(descriptor_, &info_) == 0 && S_ISREG(info_.st_mode);
+  }
+
+  int descriptor() const { return descriptor_; }
+  const struct stat& info() const { return info_; }
+
+private:
+  int descriptor_ = -1;
+  struct stat info_ {};
+};
+
+struct DigestContext {
+  explicit DigestContext(const EVP_MD* algorithm) : md(algorithm), context(EVP_MD_CTX_new()) {
+    if (context == nullptr) throw std::bad_alloc();
+  }
+  ~DigestContext() { EVP_MD_CTX_free(context); }
+  DigestContext(const DigestContext&) = delete;
+  DigestContext& operator=(const DigestContext&) = delete;
+
+  void begin() {
+    if (EVP_DigestInit_ex(context, md, nullptr) != 1) throw std::runtime_error("SHA-256 is not available");
+  }
+  void update(const unsigned char* data, std::size_t size) { EVP_DigestUpdate(context, data, size); }
+  Digest finish() {
+    Digest digest{};
+    unsigned int length = 0;
+    EVP_DigestFinal_ex(context, digest.data(), &length);
+    return digest;
+  }
+
+  const EVP_MD* md;
+  EVP_MD_CTX* context;
+};
+
+// Feeds everything from the current offset to the end of the file; false on a read error.
+bool feedToEnd(int descriptor, DigestContext& digest, unsigned char* buffer) {
+  for (;;) {
+    const ssize_t count = ::read(descriptor, buffer, kBufferSize);
+    if (count < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    if (count == 0) return true;
+    digest.update(buffer, static_cast<std::size_t>(count));
+  }
+}
+
+// Reads up to `size` bytes at `offset`; the count read, or -1 on an error.
+ssize_t readAt(int descriptor, unsigned char* buffer, std::size_t size, off_t offset) {
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count = ::pread(descriptor, buffer + done, size - done, offset + static_cast<off_t>(done));
+    if (count < 0) {
+      if (errno == EINTR) continue;
+      return -1;
+    }
+    if (count == 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  return static_cast<ssize_t>(done);
+}
+
+enum class State : std::uint8_t {
+  pending,
+  failed,   // could not be opened or read, or is not a regular file now
+  probed,   // `key` holds the probe key, or the digest when `whole`
+  unique,   // no other member shares its key: it cannot be anyone's duplicate
+  hashed,   // `key` holds the whole-content digest
+};
+
+struct Member {
+  std::uint32_t source = 0; // the member whose read stands for this one: itself, or a hard link
+  State state = State::pending;
+  bool whole = false;       // `key` is the whole-content digest
+  Digest key{};
+};
+
+struct GroupWork {
+  std::vector<Member> members;
+  std::vector<std::uint32_t> byInode; // member indices, names of one indexed inode side by side
+  std::size_t probesLeft = 0;
+};
+
+struct ProbeTask {
+  std::uint32_t group;
+  std::uint32_t begin; // a run of `byInode`: names that were one file when indexed
+  std::uint32_t end;
+};
+
+struct HashTask {
+  std::uint32_t group;
+  std::uint32_t member;
+  std::uint32_t weight; // how many members this read settles
+};
+
+class HashRun {
+public:
+  HashRun(const std::vector<SizeGroup>& groups, std::size_t reportEvery)
+      : groups_(groups), work_(groups.size()), reportEvery_(std::max<std::size_t>(reportEvery, 1)) {
+    for (std::uint32_t g = 0; g < groups.size(); ++g) {
+      const auto& files = groups[g].files;
+      GroupWork& work = work_[g];
+      work.members.resize(files.size());
+      work.byInode.resize(files.size());
+      std::iota(work.byInode.begin(), work.byInode.end(), std::uint32_t{0});
+      std::stable_sort(work.byInode.begin(), work.byInode.end(), [&](std::uint32_t a, std::uint32_t b) {
+        if (files[a].device != files[b].device) return files[a].device < files[b].device;
+        return files[a].inode < files[b].inode;
+      });
+      for (std::uint32_t i = 0; i < files.size();) {
+        std::uint32_t j = i + 1;
+        while (j < files.size() && sameInode(files[work.byInode[i]], files[work.byInode[j]])) ++j;
+        probes_.push_back(ProbeTask{g, i, j});
+        ++work.probesLeft;
+        i = j;
+      }
+      total_ += files.size();
+    }
+    algorithm_ = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+    if (algorithm_ == nullptr) throw std::runtime_error("SHA-256 is not available");
+  }
+
+  ~HashRun() { EVP_MD_free(algorithm_); }
+  HashRun(const HashRun&) = delete;
+  HashRun& operator=(const HashRun&) = delete;
+
+  std::vector<std::vector<std::optional<Digest>>> run(unsigned workerCount, const ContentHasher::SettledCallback& onSettled) {
+    if (total_ > 0) {
+      std::vector<std::thread> workers;
+      try {
+        for (unsigned i = 0; i < std::max(workerCount, 1u); ++i) workers.emplace_back([this] { workLoop(); });
+      } catch (...) {
+        if (workers.empty()) throw;
+        // Fewer threads than asked for still finish the work.
+      }
+      std::size_t reported = 0;
+      {
+        std::unique_lock lock(mutex_);
+        for (;;) {
+          settledChanged_.wait(lock, [&] { return settled_ > reported || finished_ == workers.size(); });
+          const std::size_t settled = settled_;
+          const bool allDone = finished_ == workers.size();
+          if (settled > reported) {
+            lock.unlock();
+            // Progress is reported from this thread only, never from a worker.
+            if (onSettled) onSettled(settled);
+            reported = settled;
+            lock.lock();
+          }
+          if (allDone) break;
+        }
+      }
+      for (auto& worker : workers) worker.join();
+      if (error_) std::rethrow_exception(error_);
+    }
+    return results();
+  }
+
+private:
+  static bool sameInode(const IndexedFile& a, const IndexedFile& b) { return a.device == b.device && a.inode == b.inode; }
+
+  void workLoop() {
+    bool inTask = false;
+    try {
+      DigestContext digest(algorithm_);
+      auto buffer = std::make_unique<unsigned char[]>(kBufferSize);
+      for (;;) {
+        std::optional<ProbeTask> probe;
+        std::optional<HashTask> hash;
+        {
+          std::unique_lock lock(mutex_);
+          workAvailable_.wait(lock, [&] {
+            return aborted_ || !hashes_.empty() || nextProbe_ < probes_.size() || running_ == 0;
+          });
+          if (aborted_) break;
+          // Whole reads first: they settle files, and their groups can be let go.
+          if (!hashes_.empty()) {
+            hash = hashes_.front();
+            hashes_.pop_front();
+          } else if (nextProbe_ < probes_.size()) {
+            probe = probes_[nextProbe_++];
+          } else {
+            break; // nothing queued and nothing running that could queue more
+          }
+          ++running_;
+          inTask = true;
+        }
+        std::size_t newlySettled = 0;
+        std::vector<HashTask> queued;
+        if (probe) {
+          runProbe(*probe, digest, buffer.get());
+          bool lastProbe = false;
+          {
+            std::lock_guard lock(mutex_);
+            lastProbe = --work_[probe->group].probesLeft == 0;
+          }
+          // The last probe of a group owns it now: no other task touches it until this one
+          // queues its whole reads.
+          if (lastProbe) newlySettled = settleProbedGroup(probe->group, queued);
+        } else {
+          newlySettled = runHash(*hash, digest, buffer.get());
+        }
+        {
+          std::lock_guard lock(mutex_);
+          --running_;
+          inTask = false;
+          for (const auto& task : queued) hashes_.push_back(task);
+          const std::size_t before = settled_;
+          settled_ += newlySettled;
+          if (settled_ / reportEvery_ != before / reportEvery_ || settled_ == total_) settledChanged_.notify_one();
+        }
+        workAvailable_.notify_all();
+      }
+    } catch (...) {
+      std::lock_guard lock(mutex_);
+      if (!error_) error_ = std::current_exception();
+      aborted_ = true;
+      if (inTask) --running_;
+      workAvailable_.notify_all();
+    }
+    std::lock_guard lock(mutex_);
+    ++finished_;
+    workAvailable_.notify_all();
+    settledChanged_.notify_one();
+  }
+
+  // Opens each name of one indexed inode; the first that is still a regular file is probed,
+  // the others are settled by it when they turn out to be the same file, and probed on their
+  // own when they have become another one.
+  void runProbe(const ProbeTask& task, DigestContext& digest, unsigned char* buffer) {
+    GroupWork& work = work_[task.group];
+    const auto& files = groups_[task.group].files;
+    bool haveSource = false;
+    std::uint32_t source = 0;
+    dev_t sourceDevice = 0;
+    ino_t sourceInode = 0;
+    for (std::uint32_t k = task.begin; k < task.end; ++k) {
+      const std::uint32_t index = work.byInode[k];
+      Member& member = work.members[index];
+      RegularFile file;
+      if (!file.open(files[index].path)) {
+        member.state = State::failed;
+        continue;
+      }
+      if (haveSource && file.info().st_dev == sourceDevice && file.info().st_ino == sourceInode) {
+        member.source = source;
+        member.state = State::probed;
+        continue;
+      }
+      member.source = index;
+      if (!probe(file, member, digest, buffer)) {
+        member.state = State::failed;
+        continue;
+      }
+      member.state = State::probed;
+      if (!haveSource) {
+        haveSource = true;
+        source = index;
+        sourceDevice = file.info().st_dev;
+        sourceInode = file.info().st_ino;
+      }
+    }
+    // Names that share a source take its key; they were written only by this task.
+    for (std::uint32_t k = task.begin; k < task.end; ++k) {
+      Member& member = work.members[work.byInode[k]];
+      if (member.state == State::probed && member.source != work.byInode[k]) {
+        member.key = work.members[member.source].key;
+        member.whole = work.members[member.source].whole;
+      }
+    }
+  }
+
+  static bool probe(const RegularFile& file, Member& member, DigestContext& digest, unsigned char* buffer) {
+    const std::int64_t size = file.info().st_size;
+    digest.begin();
+    if (size <= kWholeReadLimit) {
+      if (!feedToEnd(file.descriptor(), digest, buffer)) return false;
+      member.key = digest.finish();
+      member.whole = true;
+      return true;
+    }
+    const ssize_t head = readAt(file.descriptor(), buffer, kEdgeBlock, 0);
+    const ssize_t tail = readAt(file.descriptor(), buffer + kEdgeBlock, kEdgeBlock, static_cast<off_t>(size - kEdgeBlock));
+    if (head < 0 || tail < 0) return false;
+    digest.update(buffer, static_cast<std::size_t>(head));
+    digest.update(buffer + kEdgeBlock, static_cast<std::size_t>(tail));
+    unsigned char sizeBytes[8];
+    for (int i = 0; i < 8; ++i) sizeBytes[i] = static_cast<unsigned char>(static_cast<std::uint64_t>(size) >> (8 * i));
+    digest.update(sizeBytes, sizeof sizeBytes);
+    member.key = digest.finish();
+    member.whole = false;
+    return true;
+  }
+
+  // Every member of the group is probed: settles those that are unique or failed and those
+  // already digested whole, and queues one whole read for each source that still needs one.
+  std::size_t settleProbedGroup(std::uint32_t g, std::vector<HashTask>& queued) {
+    GroupWork& work = work_[g];
+    auto& members = work.members;
+    std::size_t settledNow = 0;
+    std::vector<std::uint32_t> live;
+    live.reserve(members.size());
+    for (std::uint32_t i = 0; i < members.size(); ++i) {
+      if (members[i].state == State::failed) ++settledNow;
+      else live.push_back(i);
+    }
+    auto keyLess = [&](std::uint32_t a, std::uint32_t b) {
+      if (members[a].whole != members[b].whole) return members[a].whole < members[b].whole;
+      const int order = std::memcmp(members[a].key.data(), members[b].key.data(), members[a].key.size());
+      if (order != 0) return order < 0;
+      return members[a].source < members[b].source;
+    };
+    std::sort(live.begin(), live.end(), keyLess);
+    auto sameKey = [&](std::uint32_t a, std::uint32_t b) {
+      return members[a].whole == members[b].whole && members[a].key == members[b].key;
+    };
+    for (std::size_t i = 0; i < live.size();) {
+      std::size_t j = i + 1;
+      while (j < live.size() && sameKey(live[i], live[j])) ++j;
+      if (j - i == 1) {
+        members[live[i]].state = State::unique;
+        ++settledNow;
+      } else if (members[live[i]].whole) {
+        for (std::size_t k = i; k < j; ++k) members[live[k]].state = State::hashed;
+        settledNow += j - i;
+      } else {
+        // Sorted by source within the run: one whole read per source, settling its names.
+        for (std::size_t k = i; k < j;) {
+          std::size_t l = k + 1;
+          while (l < j && members[live[l]].source == members[live[k]].source) ++l;
+          queued.push_back(HashTask{g, members[live[k]].source, static_cast<std::uint32_t>(l - k)});
+          k = l;
+        }
+      }
+      i = j;
+    }
+    return settledNow;
+  }
+
+  std::size_t runHash(const HashTask& task, DigestContext& digest, unsigned char* buffer) {
+    Member& member = work_[task.group].members[task.member];
+    RegularFile file;
+    bool read = file.open(groups_[task.group].files[task.member].path);
+    if (read) {
+      if (file.info().st_size > static_cast<off_t>(kBufferSize)) {
+        ::posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_SEQUENTIAL);
+      }
+      digest.begin();
+      read = feedToEnd(file.descriptor(), digest, buffer);
+    }
+    if (read) {
+      member.key = digest.finish();
+      member.whole = true;
+      member.state = State::hashed;
+    } else {
+      member.state = State::failed;
+    }
+    return task.weight;
+  }
+
+  std::vector<std::vector<std::optional<Digest>>> results() const {
+    std::vector<std::vector<std::optional<Digest>>> digests(work_.size());
+    for (std::size_t g = 0; g < work_.size(); ++g) {
+      const auto& members = work_[g].members;
+      digests[g].resize(members.size());
+      for (std::size_t i = 0; i < members.size(); ++i) {
+        if (members[i].state == State::failed || members[i].state == State::unique) continue;
+        // A name settled by its source has the source's outcome: the whole read of that one
+        // file, or its failure.
+        const Member& source = members[members[i].source];
+        if (source.state == State::hashed) digests[g][i] = source.key;
+      }
+    }
+    return digests;
+  }
+
+  const std::vector<SizeGroup>& groups_;
+  std::vector<GroupWork> work_;
+  std::vector<ProbeTask> probes_;
+  std::size_t total_ = 0;
+  std::size_t reportEvery_;
+  EVP_MD* algorithm_ = nullptr;
+
+  std::mutex mutex_;
+  std::condition_variable workAvailable_;
+  std::condition_variable settledChanged_;
+  std::deque<HashTask> hashes_;
+  std::size_t nextProbe_ = 0;
+  std::size_t running_ = 0;
+  std::size_t settled_ = 0;
+  std::size_t finished_ = 0;
+  bool aborted_ = false;
+  std::exception_ptr error_;
+};
+
+} // namespace
+
+std::vector<std::vector<std::optional<Digest>>> ContentHasher::digests(const std::vector<SizeGroup>& groups, unsigned workers,
+                                                                       std::size_t reportEvery,
+                                                                       const SettledCallback& onSettled) {
+  HashRun run(groups, reportEvery);
+  return run.run(workers, onSettled);
+}
+
+} // namespace halcyra::duplicates

@@ -1,0 +1,121 @@
+#include "duplicates/DuplicateCoding.h"
+
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+namespace halcyra::duplicates {
+namespace {
+
+using namespace std::chrono;
+
+// Reads exactly `digits` decimal digits at `pos`.
+std::optional<int> number(std::string_view text, std::size_t pos, std::size_t digits) {
+  if (pos + digits > text.size()) return std::nullopt;
+  int value = 0;
+  for (std::size_t i = pos; i < pos + digits; ++i) {
+    if (text[i] < '0' || text[i] > '9') return std::nullopt;
+    value = value * 10 + (text[i] - '0');
+  }
+  return value;
+}
+
+} // namespace
+
+std::string dateText(FileDate date) {
+  const auto day = floor<days>(date);
+  const year_month_day ymd{day};
+  const auto inDay = date - day;
+  const hh_mm_ss<microseconds> clock{inDay};
+  std::string text = fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", static_cast<int>(ymd.year()),
+                                 static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
+                                 clock.hours().count(), clock.minutes().count(), clock.seconds().count());
+  if (clock.subseconds().count() != 0) text += fmt::format(".{:06}", clock.subseconds().count());
+  text.push_back('Z');
+  return text;
+}
+
+std::optional<FileDate> parseDateText(std::string_view text) {
+  // YYYY-MM-DDTHH:MM:SS[.fraction](Z|+HH:MM|-HH:MM)
+  const auto y = number(text, 0, 4), mo = number(text, 5, 2), d = number(text, 8, 2);
+  const auto h = number(text, 11, 2), mi = number(text, 14, 2), s = number(text, 17, 2);
+  if (!y || !mo || !d || !h || !mi || !s || text[4] != '-' || text[7] != '-' ||
+      (text[10] != 'T' && text[10] != 't') || text[13] != ':' || text[16] != ':') {
+    return std::nullopt;
+  }
+  const year_month_day ymd{year{*y}, month{static_cast<unsigned>(*mo)}, day{static_cast<unsigned>(*d)}};
+  if (!ymd.ok() || *h > 23 || *mi > 59 || *s > 60) return std::nullopt;
+  std::size_t pos = 19;
+  long long micros = 0;
+  if (pos < text.size() && text[pos] == '.') {
+    ++pos;
+    long long scale = 100000;
+    const std::size_t start = pos;
+    while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') {
+      micros += (text[pos] - '0') * scale; // digits past the sixth are dropped
+      scale /= 10;
+      ++pos;
+    }
+    if (pos == start) return std::nullopt;
+  }
+  minutes offset{0};
+  if (pos < text.size() && (text[pos] == 'Z' || text[pos] == 'z')) {
+    ++pos;
+  } else if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) {
+    const auto oh = number(text, pos + 1, 2), om = number(text, pos + 4, 2);
+    if (!oh || !om || text.size() < pos + 6 || text[pos + 3] != ':') return std::nullopt;
+    offset = hours{*oh} + minutes{*om};
+    if (text[pos] == '-') offset = -offset;
+    pos += 6;
+  } else {
+    return std::nullopt;
+  }
+  if (pos != text.size()) return std::nullopt;
+  return FileDate(sys_days{ymd}) + hours{*h} + minutes{*mi} + seconds{*s} + microseconds{micros} - offset;
+}
+
+void to_json(nlohmann::json& json, const DuplicateFile& file) {
+  json = nlohmann::json{{"id", file.id},
+                        {"path", file.path},
+                        {"size", file.size},
+                        {"modificationDate", dateText(file.modificationDate)},
+                        {"isSelected", file.isSelected}};
+}
+
+void from_json(const nlohmann::json& json, DuplicateFile& file) {
+  json.at("id").get_to(file.id);
+  json.at("path").get_to(file.path);
+  json.at("size").get_to(file.size);
+  const auto date = parseDateText(json.at("modificationDate").get_ref<const std::string&>());
+  if (!date) throw std::invalid_argument("modificationDate is not an RFC 3339 date");
+  file.modificationDate = *date;
+  json.at("isSelected").get_to(file.isSelected);
+}
+
+void to_json(nlohmann::json& json, const DuplicateGroup& group) {
+  json = nlohmann::json{{"id", group.id},
+                        {"fileHash", group.fileHash},
+                        {"representativeFileName", group.representativeFileName},
+                        {"fileSize", group.fileSize},
+                        {"files", group.files}};
+}
+
+void from_json(const nlohmann::json& json, DuplicateGroup& group) {
+  json.at("id").get_to(group.id);
+  json.at("fileHash").get_to(group.fileHash);
+  json.at("representativeFileName").get_to(group.representativeFileName);
+  json.at("fileSize").get_to(group.fileSize);
+  json.at("files").get_to(group.files);
+}
+
+void to_json(nlohmann::json& json, const DuplicateCleanResult& result) {
+  json = nlohmann::json{{"freedBytes", result.freedBytes}, {"filesDeleted", result.filesDeleted}, {"duration", result.duration}};
+}
+
+void from_json(const nlohmann::json& json, DuplicateCleanResult& result) {
+  json.at("freedBytes").get_to(result.freedBytes);
+  json.at("filesDeleted").get_to(result.filesDeleted);
+  json.at("duration").get_to(result.duration);
+}
+
+} // namespace halcyra::duplicates

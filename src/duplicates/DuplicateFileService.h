@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "duplicates/DuplicateCleanResult.h"
+#include "duplicates/DuplicateGroup.h"
+#include "platform/Platform.h"
+
+namespace halcyra::duplicates {
+
+/// Receives status texts, always on the thread that called the service.
+using StatusCallback = std::function<void(const std::string& status)>;
+
+/// The duplicate finder's engine: proves files identical by size and whole-content SHA-256,
+/// and deletes the copies the user chose. Holds no state between calls.
+class DuplicateFileService {
+public:
+  explicit DuplicateFileService(platform::Platform platform);
+
+  /// Groups of identical files of at least `minFileSize` bytes below `directory`, the group
+  /// that frees most first. Each group lists its files oldest first, with every copy but the
+  /// oldest selected. A folder that cannot be read gives no groups and no error.
+  std::vector<DuplicateGroup> scan(const std::string& directory, std::int64_t minFileSize,
+                                   const StatusCallback& onProgress) const;
+
+  /// Deletes the files at `paths` one by one, then makes one privileged attempt for all that
+  /// stayed. Never fails as a whole: a path that stays is simply not counted.
+  DuplicateCleanResult deleteFiles(const std::vector<std::string>& paths, const StatusCallback& onProgress) const;
+
+  /// The number of threads that read and digest files during a scan.
+  static unsigned hashingWorkers();
+
+private:
+  platform::Platform platform_;
+};
+
+} // namespace halcyra::duplicates

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "duplicates/DuplicateFileService.h"
+#include "support/FakePrivilegedRunner.h"
+#include "support/TempDir.h"
+
+namespace halcyra::testing {
+
+/// A temporary folder, a service whose administrator prompt is a fake, and the status texts
+/// the last call posted.
+class DuplicatesFixture : public ::testing::Test {
+protected:
+  explicit DuplicatesFixture(FakePrivilegedRunner::Answer answer = FakePrivilegedRunner::Answer::grant)
+      : runner(std::make_shared<FakePrivilegedRunner>(answer)) {}
+
+  duplicates::DuplicateFileService service() const {
+    platform::Platform platform;
+    platform.privileged = runner;
+    return duplicates::DuplicateFileService(platform);
+  }
+
+  std::vector<duplicates::DuplicateGroup> scan(std::int64_t minFileSize = 4096, const std::string& folder = {}) {
+    texts.clear();
+    return service().scan(folder.empty() ? dir.path() : folder, minFileSize,
+                          [this](const std::string& text) { texts.push_back(text); });
+  }
+
+  duplicates::DuplicateCleanResult remove(const std::vector<std::string>& paths) {
+    texts.clear();
+    return service().deleteFiles(paths, [this](const std::string& text) { texts.push_back(text); });
+  }
+
+  /// The groups as sets of paths, for comparisons that do not depend on order.
+  static std::set<std::set<std::string>> pathSets(const std::vector<duplicates::DuplicateGroup>& groups) {
+    std::set<std::set<std::string>> sets;
+    for (const auto& group : groups) {
+      std::set<std::string> paths;
+      for (const auto& file : group.files) paths.insert(file.path);
+      sets.insert(paths);
+    }
+    return sets;
+  }
+
+  TempDir dir;
+  std::shared_ptr<FakePrivilegedRunner> runner;
+  std::vector<std::string> texts;
+};
+
+} // namespace halcyra::testing
