@@ -1,0 +1,210 @@
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <iostream>
+#include <limits>
+#include <sys/stat.h>
+
+#include <fmt/format.h>
+
+#include "cli/Arguments.h"
+#include "cli/Command.h"
+#include "cli/Terminal.h"
+#include "core/ByteFormatter.h"
+#include "core/JsonText.h"
+#include "duplicates/DuplicateCoding.h"
+#include "duplicates/DuplicateFileService.h"
+#include "duplicates/SelectionStrategy.h"
+
+namespace halcyra::cli {
+namespace {
+
+using duplicates::DuplicateGroup;
+
+constexpr std::string_view kUsage =
+    "Usage: halcyra duplicates DIR [--min-size N] [--keep oldest|newest] [--json]\n"
+    "       halcyra duplicates DIR --delete [--keep oldest|newest] [--yes] [--json]\n\n"
+    "Finds files below DIR with the same size and the same SHA-256 digest of their whole\n"
+    "content. Each group keeps one copy (the oldest unless --keep newest) and marks the\n"
+    "others for removal. Hidden files, symbolic links, packages and the folders .Trash,\n"
+    "node_modules, .git, DerivedData, Build and .build are not looked at.\n\n"
+    "Options:\n"
+    "  --min-size N   only files of at least N bytes (default 4096)\n"
+    "  --keep WHICH   the copy each group keeps: oldest (default) or newest\n"
+    "  --json         print the groups as a JSON array; with --delete, an object with the\n"
+    "                 groups and the result\n"
+    "  --delete       remove the marked copies after asking; a copy that changed since the\n"
+    "                 scan is skipped, and so is a group whose kept copy changed\n"
+    "  --yes          remove without asking (needed when standard input is not a terminal)\n"
+    "  -h, --help     show this text\n\n"
+    "Status texts go to standard error. Exit status 1 when the folder cannot be read, or when\n"
+    "some copies could not be removed. In JSON, a byte of a path that is not valid UTF-8 is\n"
+    "written as the escape \\udcXX (XX its value), so every path names exactly one file.\n";
+
+// The folder as an absolute path without links, "." or "..": removal refuses paths that go
+// through a link, so the paths found below it must be plain.
+std::string readableFolder(const std::string& given) {
+  struct stat info {};
+  if (::stat(given.c_str(), &info) != 0) {
+    throw CommandError(fmt::format("cannot open folder {}: {}", given, std::strerror(errno)));
+  }
+  if (!S_ISDIR(info.st_mode)) throw CommandError(fmt::format("not a folder: {}", given));
+  std::error_code error;
+  const auto canonical = std::filesystem::canonical(given, error);
+  if (error) throw CommandError(fmt::format("cannot open folder {}: {}", given, error.message()));
+  std::filesystem::directory_iterator listing(canonical, error);
+  if (error) throw CommandError(fmt::format("cannot read folder {}: {}", given, error.message()));
+  return canonical.string();
+}
+
+std::string localTime(duplicates::FileDate date) {
+  const std::time_t seconds =
+      std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
+  std::tm parts{};
+  if (::localtime_r(&seconds, &parts) == nullptr) return "unknown date    ";
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &parts);
+  return text;
+}
+
+std::int64_t totalWasted(const std::vector<DuplicateGroup>& groups) {
+  std::int64_t total = 0;
+  for (const auto& group : groups) total += group.totalWastedSize();
+  return total;
+}
+
+void printGroups(std::ostream& out, const std::vector<DuplicateGroup>& groups) {
+  if (groups.empty()) {
+    out << "No duplicate files found.\n";
+    return;
+  }
+  int marked = 0;
+  for (const auto& group : groups) {
+    out << group.representativeFileName << "  " << group.fileHash << "  " << core::ByteFormatter::format(group.fileSize)
+        << " each, " << group.files.size() << " copies\n";
+    for (const auto& file : group.files) {
+      out << (file.isSelected ? "  remove  " : "  keep    ") << localTime(file.modificationDate) << "  " << file.path << '\n';
+    }
+    out << '\n';
+    marked += group.selectedCount();
+  }
+  out << groups.size() << (groups.size() == 1 ? " group, " : " groups, ") << marked
+      << (marked == 1 ? " copy" : " copies") << " to remove, " << core::ByteFormatter::format(totalWasted(groups))
+      << " reclaimable\n";
+}
+
+// The array written one group at a time, laid out as a pretty-printed whole would be.
+void printGroupsJson(std::ostream& out, const std::vector<DuplicateGroup>& groups) {
+  if (groups.empty()) {
+    out << "[]\n";
+    return;
+  }
+  out << "[\n";
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    std::string text = core::toJsonText(nlohmann::json(groups[i]));
+    // JSON strings hold no raw newline, so every newline here is layout.
+    std::string indented = "  ";
+    for (const char c : text) {
+      indented.push_back(c);
+      if (c == '\n') indented += "  ";
+    }
+    out << indented << (i + 1 < groups.size() ? ",\n" : "\n");
+  }
+  out << "]\n";
+}
+
+// The marked copies that may still go: a group is skipped whole when no copy it keeps is
+// as the scan saw it, and a marked copy that changed since the scan is skipped.
+std::vector<std::string> pathsStillToDelete(const std::vector<DuplicateGroup>& groups, int& skipped) {
+  std::vector<std::string> paths;
+  for (const auto& group : groups) {
+    bool keptCopyIntact = false;
+    for (const auto& file : group.files) {
+      if (!file.isSelected && duplicates::isUnchangedSinceScan(file)) keptCopyIntact = true;
+    }
+    for (const auto& file : group.files) {
+      if (!file.isSelected) continue;
+      if (!keptCopyIntact) {
+        std::cerr << "skipped " << file.path << ": the copy kept of it changed since the scan\n";
+        ++skipped;
+      } else if (!duplicates::isUnchangedSinceScan(file)) {
+        std::cerr << "skipped " << file.path << ": changed since the scan\n";
+        ++skipped;
+      } else {
+        paths.push_back(file.path);
+      }
+    }
+  }
+  return paths;
+}
+
+int runDuplicates(const std::vector<std::string>& args) {
+  Arguments arguments({"--json", "--delete", "--yes"}, {"--min-size", "--keep"});
+  arguments.parse(args);
+  if (arguments.positional().size() != 1) throw UsageError("give exactly one folder");
+  const long long minFileSize =
+      arguments.integer("--min-size", 4096, 0, std::numeric_limits<std::int64_t>::max());
+  const std::string keep = arguments.value("--keep").value_or("oldest");
+  if (keep != "oldest" && keep != "newest") throw UsageError("--keep takes oldest or newest");
+  const bool remove = arguments.has("--delete");
+  const bool json = arguments.has("--json");
+  if (arguments.has("--yes") && !remove) throw UsageError("--yes goes with --delete");
+  if (remove && !arguments.has("--yes") && !stdinIsTerminal()) {
+    throw CommandError("will not delete without --yes: standard input is not a terminal to ask on");
+  }
+  const std::string folder = readableFolder(arguments.positional().front());
+
+  const duplicates::DuplicateFileService service(platform::Platform::forSystem());
+  StatusLine statusLine;
+  auto groups = service.scan(folder, minFileSize, [&](const std::string& text) { statusLine.status(text); });
+  statusLine.finish();
+  duplicates::applyStrategy(groups, keep == "newest" ? duplicates::SelectionStrategy::keepNewest
+                                                     : duplicates::SelectionStrategy::keepOldest);
+
+  if (!remove) {
+    if (json) printGroupsJson(std::cout, groups);
+    else printGroups(std::cout, groups);
+    return 0;
+  }
+
+  if (!json) printGroups(std::cout, groups);
+  int marked = 0;
+  for (const auto& group : groups) marked += group.selectedCount();
+  duplicates::DuplicateCleanResult result;
+  int skipped = 0;
+  if (marked > 0) {
+    std::cout.flush();
+    if (!arguments.has("--yes") &&
+        !confirm(fmt::format("Delete {} duplicate {} ({})?", marked, marked == 1 ? "file" : "files",
+                             core::ByteFormatter::format(totalWasted(groups))))) {
+      std::cerr << "Nothing deleted.\n";
+      return 0;
+    }
+    // Checked after the question: the answer may have taken a while.
+    const auto paths = pathsStillToDelete(groups, skipped);
+    result = service.deleteFiles(paths, [&](const std::string& text) { statusLine.status(text); });
+    statusLine.finish();
+    skipped += static_cast<int>(paths.size()) - result.filesDeleted;
+  }
+
+  if (json) {
+    nlohmann::json document{{"groups", groups}, {"result", result}};
+    std::cout << core::toJsonText(document) << '\n';
+  } else {
+    std::cout << fmt::format("Deleted {} {}, freed {} in {:.1f}s\n", result.filesDeleted,
+                             result.filesDeleted == 1 ? "file" : "files", core::ByteFormatter::format(result.freedBytes),
+                             result.duration);
+    if (skipped > 0) std::cout << skipped << (skipped == 1 ? " file was" : " files were") << " not removed\n";
+  }
+  return skipped > 0 ? 1 : 0;
+}
+
+const Command duplicatesCommand{"duplicates", "find identical files and remove the extra copies", kUsage,
+                                runDuplicates};
+
+} // namespace
+
+HALCYRA_REGISTER_COMMAND(duplicatesCommand);
+
+} // namespace halcyra::cli
