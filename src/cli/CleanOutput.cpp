@@ -1,5 +1,6 @@
 #include "cli/CleanOutput.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <ostream>
 
@@ -62,24 +63,35 @@ void printCategories(std::ostream& out, const std::vector<clean::CleanCategory>&
       }();
     }
     out << fmt::format("{} — {}\n", clean::sectionTitle(section), core::ByteFormatter::format(sectionSize));
+    // As the section's review shows them: the categories that count, largest first (equal
+    // sizes in scan order), then the skipped ones with their reasons.
+    struct Row {
+      const clean::CleanCategory* category;
+      std::int64_t size;
+      std::size_t count;
+    };
+    std::vector<Row> rows;
     for (const auto& category : members) {
-      if (category.isWhitelisted) continue;
-      if (category.skipReason) {
-        out << fmt::format("  {:<36} skipped: {}\n", category.name, *category.skipReason);
-        continue;
-      }
-      std::int64_t size = 0;
-      std::size_t count = 0;
+      if (!clean::isReclaimable(category)) continue;
+      Row row{&category, 0, 0};
       for (const auto& item : category.items) {
         if (selectedOnly && !item.isSelected) continue;
-        size += item.size;
-        ++count;
+        row.size += item.size;
+        ++row.count;
       }
-      if (selectedOnly && count == 0) continue;
-      total += size;
-      itemCount += count;
-      out << fmt::format("  {:<36} {:>10}  {} {}\n", category.name, core::ByteFormatter::format(size), count,
-                         count == 1 ? "item" : "items");
+      if (selectedOnly && row.count == 0) continue;
+      rows.push_back(row);
+    }
+    std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.size > b.size; });
+    for (const auto& row : rows) {
+      total += row.size;
+      itemCount += row.count;
+      out << fmt::format("  {:<36} {:>10}  {} {}\n", row.category->name, core::ByteFormatter::format(row.size),
+                         row.count, row.count == 1 ? "item" : "items");
+    }
+    for (const auto& category : members) {
+      if (category.isWhitelisted || !category.skipReason) continue;
+      out << fmt::format("  {:<36} skipped: {}\n", category.name, *category.skipReason);
     }
   }
   out << fmt::format("{} of junk files ({} {})\n", core::ByteFormatter::format(total), itemCount,
