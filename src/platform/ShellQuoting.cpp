@@ -1,5 +1,9 @@
 #include "platform/ShellQuoting.h"
 
+#include <stdexcept>
+
+#include "platform/SafeRemove.h"
+
 namespace halcyra::platform {
 
 std::string shellQuote(std::string_view path) {
@@ -15,12 +19,16 @@ std::string shellQuote(std::string_view path) {
 std::string removalShellLine(const std::vector<std::string>& paths) {
   std::string line;
   for (const auto& path : paths) {
+    if (!isPlainAbsolutePath(path)) throw std::invalid_argument("not a plain absolute path: " + path);
     if (!line.empty()) line += " && ";
     line += "rm -rf " + shellQuote(path);
   }
   return line;
 }
 
+// Inside an AppleScript string literal a backslash starts an escape and a double quote ends the
+// literal. Escaping each of them where it stands is the same as doubling the backslashes first
+// and escaping the quotes second, and leaves no byte that could end the literal early.
 std::string appleScriptEscape(std::string_view shellLine) {
   std::string escaped;
   escaped.reserve(shellLine.size());

@@ -1,0 +1,16 @@
+#include "platform/OsascriptPrivilegedRunner.h"
+
+#include "core/Utf8.h"
+#include "platform/AppleScript.h"
+#include "platform/ShellQuoting.h"
+
+namespace halcyra::platform {
+
+bool OsascriptPrivilegedRunner::runShellLine(const std::string& line) {
+  if (line.find('\0') != std::string::npos || !core::isValidUtf8(line)) return false;
+  // A declined prompt, a wrong password and a failed command all end osascript with a
+  // non-zero status, and all count as "not granted".
+  return runAppleScript(*runner_, administratorScript(line)).has_value();
+}
+
+} // namespace halcyra::platform
