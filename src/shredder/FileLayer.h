@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <sys/types.h>
+
+namespace halcyra::shredder {
+
+/// The few calls through which the shredder reads and writes file contents. The default is
+/// the plain POSIX calls on the descriptor; a test puts a double in its place to see every
+/// write and every sync, or to make one of them fail the way a full or broken disk does.
+/// Each call reports like its POSIX counterpart: -1 and errno on failure.
+class FileLayer {
+public:
+  virtual ~FileLayer() = default;
+
+  /// pread: up to `length` bytes at `offset`.
+  virtual ssize_t readAt(int fd, unsigned char* data, std::size_t length, std::int64_t offset);
+  /// pwrite: up to `length` bytes at `offset`.
+  virtual ssize_t writeAt(int fd, const unsigned char* data, std::size_t length, std::int64_t offset);
+  /// fdatasync: the written data (and the size) on the disk.
+  virtual int syncData(int fd);
+  /// ftruncate.
+  virtual int truncate(int fd, std::int64_t length);
+  /// A new file for writing, never an existing one and never through a link; the descriptor.
+  virtual int createExclusive(const std::string& path);
+};
+
+} // namespace halcyra::shredder
