@@ -1,0 +1,153 @@
+#include <algorithm>
+#include <iostream>
+
+#include <fmt/format.h>
+
+#include "cli/Arguments.h"
+#include "cli/CleanOutput.h"
+#include "cli/Command.h"
+#include "cli/Terminal.h"
+#include "clean/NativeCleanService.h"
+#include "clean/Sections.h"
+#include "core/ByteFormatter.h"
+#include "core/JsonText.h"
+
+namespace halcyra::cli {
+namespace {
+
+constexpr std::string_view kUsage =
+    "Usage: halcyra clean [--yes] [--dry-run] [--only NAME]... [--json] [--home DIR] [--root DIR]\n\n"
+    "Scans as 'halcyra scan' does, shows what the default selection holds by section and\n"
+    "category, asks, and removes it: item by item, the Trash emptied whole, and what this user\n"
+    "may not remove taken to one administrator prompt. Protected and skipped categories are\n"
+    "never touched. Symbolic links are removed as links; their targets stay.\n\n"
+    "Options:\n"
+    "  --yes        remove without asking (needed when standard input is not a terminal)\n"
+    "  --dry-run    show what would be removed, and remove nothing\n"
+    "  --only NAME  clean only the category of this name, as the listing shows it; a count in\n"
+    "               parentheses may be left out (\"Trash\"). May be given more than once\n"
+    "  --json       print the result as JSON with freedBytes, itemsCleaned and duration (in\n"
+    "               seconds); with --dry-run, the categories that would be cleaned\n"
+    "  --home DIR   scan this folder as the user's home\n"
+    "  --root DIR   scan this folder as the system root\n"
+    "  -h, --help   show this text\n\n"
+    "Exit status: 0 when every selected item is gone, 1 when some could not be removed or the\n"
+    "question was not answered yes, 2 on a usage error.\n";
+
+// "Trash (3 items)" answers to "Trash" as well: the count changes from scan to scan.
+bool nameMatches(const std::string& categoryName, const std::string& wanted) {
+  if (categoryName == wanted) return true;
+  return categoryName.size() > wanted.size() + 3 && categoryName.starts_with(wanted + " (") &&
+         categoryName.back() == ')';
+}
+
+// The categories a clean may touch, reduced to their selected items: neither protected nor
+// skipped, and among the names of `only` when it is given. Scan order is kept.
+std::vector<clean::CleanCategory> selectionOf(const std::vector<clean::CleanCategory>& categories,
+                                              const std::vector<std::string>& only) {
+  std::vector<clean::CleanCategory> selection;
+  for (const auto& category : categories) {
+    if (!clean::isReclaimable(category)) continue;
+    if (!only.empty() && std::none_of(only.begin(), only.end(), [&](const std::string& wanted) {
+          return nameMatches(category.name, wanted);
+        })) {
+      continue;
+    }
+    clean::CleanCategory kept = category;
+    std::erase_if(kept.items, [](const clean::CleanItem& item) { return !item.isSelected; });
+    if (!kept.items.empty()) selection.push_back(std::move(kept));
+  }
+  return selection;
+}
+
+// The items in the order of the listing: section by section, within a section the largest
+// category first (equal sizes in scan order), each category's items in their own order.
+std::vector<clean::CleanItem> itemsInListingOrder(const std::vector<clean::CleanCategory>& selection) {
+  std::vector<clean::CleanItem> items;
+  for (auto& [section, members] : clean::orderedSections(selection)) {
+    std::stable_sort(members.begin(), members.end(), [](const clean::CleanCategory& a, const clean::CleanCategory& b) {
+      return a.selectedSize() > b.selectedSize();
+    });
+    for (const auto& category : members) items.insert(items.end(), category.items.begin(), category.items.end());
+  }
+  return items;
+}
+
+std::string itemCount(std::size_t count) { return fmt::format("{} {}", count, count == 1 ? "item" : "items"); }
+
+nlohmann::json resultToJson(const clean::CleanResult& result) {
+  return {{"freedBytes", result.freedBytes}, {"itemsCleaned", result.itemsCleaned}, {"duration", result.duration}};
+}
+
+int runClean(const std::vector<std::string>& args) {
+  Arguments arguments({"--json", "--yes", "--dry-run"}, {"--home", "--root", "--only"});
+  arguments.parse(args);
+  if (!arguments.positional().empty()) throw UsageError("unexpected argument " + arguments.positional().front());
+  const bool json = arguments.has("--json");
+  const bool dryRun = arguments.has("--dry-run");
+  const bool yes = arguments.has("--yes");
+  // Decided before the scan: without a terminal there is nobody to answer the question.
+  if (!dryRun && !yes && !stdinIsTerminal()) {
+    throw CommandError("standard input is not a terminal; pass --yes to clean without the question. "
+                       "Nothing was removed.");
+  }
+  const std::vector<std::string> only = arguments.values("--only");
+
+  clean::NativeCleanService service(platform::Platform::forSystem(systemPathsFrom(arguments)));
+  StatusLine statusLine;
+  const auto categories = service.scan([&](const std::string& text) { statusLine.status(text); });
+  statusLine.finish();
+
+  for (const auto& wanted : only) {
+    if (std::none_of(categories.begin(), categories.end(),
+                     [&](const clean::CleanCategory& category) { return nameMatches(category.name, wanted); })) {
+      std::cerr << "halcyra clean: this scan found no category named \"" << wanted << "\"\n";
+    }
+  }
+  const auto selection = selectionOf(categories, only);
+  const auto items = itemsInListingOrder(selection);
+  // With --json, standard output holds the JSON alone.
+  std::ostream& listing = json ? std::cerr : std::cout;
+
+  if (items.empty()) {
+    listing << "Nothing to clean.\n";
+    if (json) std::cout << core::toJsonText(dryRun ? nlohmann::json::array() : resultToJson({})) << '\n';
+    return 0;
+  }
+  printCategories(listing, selection, true);
+  if (dryRun) {
+    if (json) {
+      nlohmann::json list = nlohmann::json::array();
+      for (const auto& category : selection) list.push_back(categoryToJson(category));
+      std::cout << core::toJsonText(list) << '\n';
+    }
+    listing << "Dry run: nothing was removed.\n";
+    return 0;
+  }
+  std::int64_t selectedBytes = 0;
+  for (const auto& item : items) selectedBytes += item.size;
+  if (!yes && !confirm(fmt::format("Remove {} ({})?", itemCount(items.size()), core::ByteFormatter::format(selectedBytes)))) {
+    throw CommandError("not confirmed; nothing was removed.");
+  }
+
+  const clean::CleanResult result = service.clean(items, [&](const std::string& text) { statusLine.status(text); });
+  statusLine.finish();
+  if (json) {
+    std::cout << core::toJsonText(resultToJson(result)) << '\n';
+  } else {
+    std::cout << fmt::format("Freed {}, {} in {:.2f} s\n", core::ByteFormatter::format(result.freedBytes),
+                             itemCount(static_cast<std::size_t>(result.itemsCleaned)), result.duration);
+  }
+  const auto left = items.size() - static_cast<std::size_t>(result.itemsCleaned);
+  if (left == 0) return 0;
+  std::cerr << fmt::format("halcyra clean: {} of {} could not be removed\n", left, itemCount(items.size()));
+  return 1;
+}
+
+const Command cleanCommand{"clean", "remove the junk a scan finds, after a question", kUsage, runClean};
+
+} // namespace
+
+HALCYRA_REGISTER_COMMAND(cleanCommand);
+
+} // namespace halcyra::cli
