@@ -310,3 +310,41 @@ TEST(ScanHostileFiles, UnreadableFoldersFifosSocketsAndOddNamesNeitherStopNorBlo
   EXPECT_THAT(paths, ::testing::Not(::testing::Contains("sock")));
   EXPECT_EQ(fixture.statuses.back(), "Scan complete");
 }
+
+TEST(ScanTrash, FindersAnswerBecomesOneItemForTheWholeTrash) {
+  const std::vector<std::pair<std::string, std::optional<std::string>>> answers{
+      {"echo ' 3,4096 '", "Trash (3 items)"},
+      {"echo '0,0'", std::nullopt},
+      {"echo '2,1.5E+9'", std::nullopt},
+      {"exit 1", std::nullopt},
+  };
+  for (const auto& [script, expected] : answers) {
+    ScanFixture fixture;
+    fixture.tool("/usr/bin/osascript", script);
+    platform::Platform system = fixture.platform();
+    system.trash = std::make_shared<platform::FinderTrash>(system.processes, fixture.home);
+    const auto categories = clean::NativeCleanService(system).scan(nullptr);
+    const auto trash = std::find_if(categories.begin(), categories.end(),
+                                    [](const auto& category) { return category.name.starts_with("Trash"); });
+    if (!expected) {
+      EXPECT_EQ(trash, categories.end()) << script;
+      continue;
+    }
+    ASSERT_NE(trash, categories.end()) << script;
+    EXPECT_EQ(trash->name, *expected);
+    ASSERT_EQ(trash->items.size(), 1u);
+    EXPECT_EQ(trash->items.front().path, fixture.home + "/.Trash");
+    EXPECT_EQ(trash->items.front().size, 4096);
+    EXPECT_TRUE(trash->isSelected);
+  }
+}
+
+TEST(ScanCatalogueRules, OverlappingPathsOfOneTargetListTheFolderAndItsEntries) {
+  ScanFixture fixture;
+  fixture.homeFile("Library/Application Support/com.apple.wallpaper/aerials/thumbnails/a.heic", 300);
+  fixture.homeFile("Library/Application Support/com.apple.wallpaper/aerials/videos/b.mov", 5000);
+  const auto categories = fixture.scan();
+  EXPECT_THAT(itemPaths(categories, "Aerial Wallpapers", fixture.home + "/Library/Application Support/com.apple.wallpaper"),
+              ElementsAre("aerials", "aerials/thumbnails/a.heic"));
+  EXPECT_EQ(findCategory(categories, "Aerial Wallpapers")->items.front().size, 5300);
+}
