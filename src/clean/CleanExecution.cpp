@@ -28,6 +28,15 @@ std::string lastComponent(const std::string& path) {
   return path.substr(begin, end + 1 - begin);
 }
 
+// The home, the system root and every folder above them are never removed, whatever a list
+// says: an entry that named one of them by mistake must not take all below with it.
+bool isProtectedFolder(const std::string& path, const platform::SystemPaths& paths) {
+  for (const std::string& folder : {paths.home(), paths.root()}) {
+    if (!folder.empty() && (path == folder || folder.starts_with(path + "/"))) return true;
+  }
+  return false;
+}
+
 // The items that were refused for lack of rights, in one shell line behind one prompt. The
 // figures come from a fresh look at each path afterwards, not from the answer of the line:
 // only what is really gone counts.
@@ -67,6 +76,7 @@ CleanResult NativeCleanService::clean(const std::vector<CleanItem>& items, const
       if (platform_.trash->empty()) freed.add(item);
       continue;
     }
+    if (isProtectedFolder(item.path, platform_.paths)) continue;
     switch (platform::removeItem(item.path)) {
     case platform::RemoveOutcome::removed: freed.add(item); break;
     case platform::RemoveOutcome::permissionDenied: needRights.push_back(item); break;

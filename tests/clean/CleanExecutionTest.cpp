@@ -281,3 +281,18 @@ TEST(CleanExecution, LinksSwappedInOrPlantedAfterTheScanNeverLeadOutOfTheSelecti
   EXPECT_EQ(treeSnapshot(precious), before);
   EXPECT_TRUE(runner->lines().empty()); // a swapped path is a failure, never a case for the prompt
 }
+
+TEST(CleanExecution, NeverRemovesTheHomeTheSystemRootOrAFolderAboveThem) {
+  Fixture fixture;
+  const auto& dir = fixture.dir;
+  auto runner = std::make_shared<FakePrivilegedRunner>(FakePrivilegedRunner::Answer::grant);
+  auto service = fixture.service(runner);
+  dir.file("home/Documents/thesis.txt", "precious");
+  dir.file("root/etc/hosts", "precious");
+  const auto before = treeSnapshot(dir.path());
+  const CleanResult result =
+      fixture.clean(service, {item(dir / "home", 1), item(dir / "root", 1), item(dir.path(), 1)});
+  EXPECT_EQ(result.itemsCleaned, 0);
+  EXPECT_EQ(treeSnapshot(dir.path()), before);
+  EXPECT_TRUE(runner->lines().empty());
+}
