@@ -5,8 +5,11 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
+#include <sys/types.h>
 #include <sys/un.h>
+#if defined(__linux__)
+#include <sys/sysmacros.h> // makedev
+#endif
 #include <unistd.h>
 
 #include "platform/SafeRemove.h"
