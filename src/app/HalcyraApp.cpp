@@ -1,0 +1,55 @@
+#include "app/HalcyraApp.h"
+
+#include <QCoreApplication>
+#include <QQmlEngine>
+
+#include "app/SettingsViewModel.h"
+#include "app/SymbolImageProvider.h"
+#include "clean/NativeCleanService.h"
+#include "platform/FullDiskAccessChecker.h"
+#include "platform/Platform.h"
+
+namespace halcyra::app {
+namespace {
+
+bool systemHasAccessPermission() {
+#if defined(Q_OS_MACOS)
+  return true;
+#else
+  // Only macOS guards folders behind Full Disk Access; elsewhere nobody could grant it, so the
+  // preview does not ask for it even though the probe reads "denied".
+  return false;
+#endif
+}
+
+} // namespace
+
+HalcyraApp::HalcyraApp(Options options, QObject* parent)
+    : QObject(parent), appState_(new AppState(std::move(options.defaults), this)),
+      cleanService_(options.cleanService
+                        ? std::move(options.cleanService)
+                        : std::make_shared<clean::NativeCleanService>(platform::Platform::forSystem())),
+      cleanViewModel_(new clean::CleanViewModel(platform::FullDiskAccessChecker(platform::SystemPaths::current()),
+                                                options.hasAccessPermission.value_or(systemHasAccessPermission()),
+                                                this)),
+      debugLogger_(new DebugLogger(this)),
+      cleanServiceHandle_(ServiceHandle::wrap<clean::CleanServiceProtocol>(cleanService_, this)),
+      navigation_(new NavigationModel(QString::fromLatin1(kQmlRoot), this)),
+      appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {}
+
+HalcyraApp::~HalcyraApp() = default;
+
+void HalcyraApp::exposeTo(QQmlEngine& engine) {
+  constexpr const char* uri = "Halcyra.Env";
+  qmlRegisterSingletonInstance(uri, 1, 0, "AppState", appState_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "NativeCleanService", cleanServiceHandle_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "CleanViewModel", cleanViewModel_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "DebugLogger", debugLogger_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "Navigation", navigation_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "AppInfo", appInfo_);
+  qmlRegisterType<SettingsViewModel>(uri, 1, 0, "SettingsViewModel");
+  qmlRegisterUncreatableType<clean::CleanItemsModel>(uri, 1, 0, "CleanItemsModel", QStringLiteral("owned by CleanViewModel"));
+  engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
+}
+
+} // namespace halcyra::app

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <QObject>
+#include <QSettings>
+
+#include "app/AppInfo.h"
+#include "app/AppState.h"
+#include "app/DebugLogger.h"
+#include "app/NavigationModel.h"
+#include "app/ServiceHandle.h"
+#include "clean/CleanServiceProtocol.h"
+#include "clean/viewmodel/CleanViewModel.h"
+
+class QQmlEngine;
+
+namespace halcyra::app {
+
+/// The composition root: creates the shared state, every service and every tool's view model
+/// once, in a fixed order, and keeps them for the life of the window. Nothing scans here.
+///
+/// Screens reach each object under its type name from the QML import "Halcyra.Env"
+/// (`AppState`, `CleanViewModel`, `NativeCleanService`, `DebugLogger`, ...), and pass the ones an
+/// operation needs as its arguments: `CleanViewModel.scan(NativeCleanService, DebugLogger)`.
+class HalcyraApp : public QObject {
+  Q_OBJECT
+
+public:
+  /// What differs between the real program and a rendering of it: where the two persisted
+  /// values live, which engine the cleaner drives, and whether the system knows Full Disk
+  /// Access. Empty fields take the real ones.
+  struct Options {
+    std::unique_ptr<QSettings> defaults;
+    std::shared_ptr<clean::CleanServiceProtocol> cleanService;
+    std::optional<bool> hasAccessPermission;
+  };
+
+  explicit HalcyraApp(Options options = {}, QObject* parent = nullptr);
+  ~HalcyraApp() override;
+
+  /// Hands every shared object and the symbol images to `engine`. Once per process: the type
+  /// names are registered for all engines.
+  void exposeTo(QQmlEngine& engine);
+
+  AppState& appState() { return *appState_; }
+  clean::CleanViewModel& cleanViewModel() { return *cleanViewModel_; }
+  DebugLogger& debugLogger() { return *debugLogger_; }
+
+  /// Where the QML module's files lie among the resources.
+  static constexpr const char* kQmlRoot = ":/Halcyra/";
+
+private:
+  // In order of creation.
+  AppState* appState_;
+  std::shared_ptr<clean::CleanServiceProtocol> cleanService_;
+  clean::CleanViewModel* cleanViewModel_;
+  DebugLogger* debugLogger_;
+  ServiceHandle* cleanServiceHandle_;
+  NavigationModel* navigation_;
+  AppInfo* appInfo_;
+};
+
+} // namespace halcyra::app

@@ -1,0 +1,61 @@
+pragma Singleton
+import QtQuick
+
+// The texts of the screens, one group per screen family. Each English text is the key of the
+// translation table ("Strings" context); without a translation the key itself shows.
+QtObject {
+    readonly property QtObject app: QtObject {
+        readonly property string name: "Halcyra"
+    }
+    readonly property QtObject onboarding: QtObject {
+        readonly property string welcomeTitle: qsTr("Welcome to Halcyra!")
+        readonly property string welcomeSubtitle: qsTr("Your Mac's personal cleaning assistant. Scan and clean junk files to free up space.")
+    }
+    readonly property QtObject navigation: QtObject {
+        readonly property string dashboard: qsTr("Dashboard")
+        readonly property string clean: qsTr("Cleaner")
+        readonly property string update: qsTr("Updater")
+        readonly property string settings: qsTr("Settings")
+        readonly property string duplicates: qsTr("Duplicates")
+        readonly property string uninstaller: qsTr("Uninstaller")
+        readonly property string resetter: qsTr("Resetter")
+        readonly property string shredder: qsTr("Shredder")
+        readonly property string diskAnalyzer: qsTr("Disk Space")
+        readonly property string startupItems: qsTr("Startup Items")
+    }
+    readonly property QtObject clean: QtObject {
+        readonly property string title: qsTr("Cleaner")
+        readonly property string subtitle: qsTr("Remove junk files and free up space")
+        readonly property string scanButton: qsTr("Scan for Junk")
+        readonly property string scanning: qsTr("Scanning your Mac…")
+        readonly property string scanSubtitle: qsTr("Looking for files that can be safely removed.")
+        readonly property string executing: qsTr("Cleaning…")
+        readonly property string executingSubtitle: qsTr("Removing selected items. This may take a moment.")
+        readonly property string summaryTitle: qsTr("Cleanup Complete!")
+        readonly property string freed: qsTr("Freed")
+        readonly property string scanAgain: qsTr("Scan Again")
+        readonly property string done: qsTr("Done")
+        readonly property string confirmTitle: qsTr("Confirm Cleanup")
+        readonly property string confirmMessage: qsTr("This will permanently delete the selected files. This action cannot be undone.")
+        readonly property string confirmButton: qsTr("Clean Now")
+    }
+    readonly property QtObject settings: QtObject {
+        readonly property string title: qsTr("Settings")
+        readonly property string about: qsTr("About")
+        readonly property string openSourceLicenses: qsTr("Open Source Licenses")
+    }
+    readonly property QtObject about: QtObject {
+        readonly property string appDescription: qsTr("A native macOS utility for keeping your Mac clean and running smoothly.")
+    }
+    readonly property QtObject components: QtObject {
+        readonly property string retry: qsTr("Retry")
+        readonly property string cancel: qsTr("Cancel")
+    }
+    readonly property QtObject errors: QtObject {
+        readonly property string scanFailed: qsTr("Scan failed. Please try again.")
+        readonly property string cleanFailed: qsTr("Cleanup failed. Please try again.")
+        readonly property string timeout: qsTr("The operation took too long. Please try again.")
+        readonly property string permissionDenied: qsTr("Permission denied. Please check system permissions.")
+        readonly property string unknown: qsTr("An unexpected error occurred. Please try again.")
+    }
+}
