@@ -20,10 +20,10 @@ inline std::map<std::string, std::string> treeSnapshot(const std::string& folder
     const std::string path = it->path().string();
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0) continue;
-    std::string description = std::to_string(info.st_ino) + ":" + std::to_string(info.st_mode) + ":";
-    if (S_ISREG(info.st_mode)) description += readFile(path);
-    else if (S_ISLNK(info.st_mode)) description += fs::read_symlink(it->path(), error).string();
-    snapshot[path.substr(folder.size())] = description;
+    std::string fingerprint = std::to_string(info.st_ino) + ":" + std::to_string(info.st_mode) + ":";
+    if (S_ISREG(info.st_mode)) fingerprint += readFile(path);
+    else if (S_ISLNK(info.st_mode)) fingerprint += fs::read_symlink(it->path(), error).string();
+    snapshot[path.substr(folder.size())] = fingerprint;
   }
   return snapshot;
 }
