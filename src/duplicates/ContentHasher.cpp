@@ -6,6 +6,8 @@
 #include <cstring>
 #include <deque>
 #include <exception>
+#include <functional>
+#include <string_view>
 #include <fcntl.h>
 #include <memory>
 #include <mutex>
@@ -14,16 +16,22 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 #include <openssl/evp.h>
 
 namespace halcyra::duplicates {
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+// One buffer per worker, used in two halves: when files are compared, one half holds the
+// first file's block and the other the block it is compared with.
+constexpr std::size_t kBufferSize = std::size_t{256} << 10;
+constexpr std::size_t kHalf = kBufferSize / 2;
 constexpr std::int64_t kEdgeBlock = 4096;
 // Up to two edge blocks, reading the whole file costs what the probe would.
 constexpr std::int64_t kWholeReadLimit = 2 * kEdgeBlock;
+// Files a worker holds open at once while comparing; a larger run is compared in batches.
+constexpr std::size_t kMaxOpenFiles = 16;
 
 // A descriptor of a name that was a regular file when opened.
 class RegularFile {
@@ -31,6 +39,12 @@ public:
   RegularFile() = default;
   RegularFile(const RegularFile&) = delete;
   RegularFile& operator=(const RegularFile&) = delete;
+  RegularFile(RegularFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)), info_(other.info_) {}
+  RegularFile& operator=(RegularFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(info_, other.info_);
+    return *this;
+  }
   ~RegularFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
   }
@@ -63,6 +77,10 @@ struct DigestContext {
     if (EVP_DigestInit_ex(context, md, nullptr) != 1) throw std::runtime_error("SHA-256 is not available");
   }
   void update(const unsigned char* data, std::size_t size) { EVP_DigestUpdate(context, data, size); }
+  // Continues from where `other` stands: the same bytes fed so far.
+  void copyFrom(const DigestContext& other) {
+    if (EVP_MD_CTX_copy_ex(context, other.context) != 1) throw std::runtime_error("cannot copy a SHA-256 state");
+  }
   Digest finish() {
     Digest digest{};
     unsigned int length = 0;
@@ -75,9 +93,9 @@ struct DigestContext {
 };
 
 // Feeds everything from the current offset to the end of the file; false on a read error.
-bool feedToEnd(int descriptor, DigestContext& digest, unsigned char* buffer) {
+bool feedToEnd(int descriptor, DigestContext& digest, unsigned char* buffer, std::size_t bufferSize) {
   for (;;) {
-    const ssize_t count = ::read(descriptor, buffer, kBufferSize);
+    const ssize_t count = ::read(descriptor, buffer, bufferSize);
     if (count < 0) {
       if (errno == EINTR) continue;
       return false;
@@ -85,6 +103,22 @@ bool feedToEnd(int descriptor, DigestContext& digest, unsigned char* buffer) {
     if (count == 0) return true;
     digest.update(buffer, static_cast<std::size_t>(count));
   }
+}
+
+// Reads `size` bytes from the current offset, fewer only at the end of the file; the count
+// read, or -1 on an error.
+ssize_t readBlock(int descriptor, unsigned char* buffer, std::size_t size) {
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count = ::read(descriptor, buffer + done, size - done);
+    if (count < 0) {
+      if (errno == EINTR) continue;
+      return -1;
+    }
+    if (count == 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  return static_cast<ssize_t>(done);
 }
 
 // Reads up to `size` bytes at `offset`; the count read, or -1 on an error.
@@ -129,10 +163,11 @@ struct ProbeTask {
   std::uint32_t end;
 };
 
-struct HashTask {
+// Files of one group with one probe key: each source is read once, and the names it settles
+// (itself and its hard links) count as its weight.
+struct CompareTask {
   std::uint32_t group;
-  std::uint32_t member;
-  std::uint32_t weight; // how many members this read settles
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> sources; // (member, weight)
 };
 
 class HashRun {
@@ -205,20 +240,21 @@ private:
     bool inTask = false;
     try {
       DigestContext digest(algorithm_);
+      DigestContext spare(algorithm_);
       auto buffer = std::make_unique<unsigned char[]>(kBufferSize);
       for (;;) {
         std::optional<ProbeTask> probe;
-        std::optional<HashTask> hash;
+        std::optional<CompareTask> compare;
         {
           std::unique_lock lock(mutex_);
           workAvailable_.wait(lock, [&] {
-            return aborted_ || !hashes_.empty() || nextProbe_ < probes_.size() || running_ == 0;
+            return aborted_ || !compares_.empty() || nextProbe_ < probes_.size() || running_ == 0;
           });
           if (aborted_) break;
           // Whole reads first: they settle files, and their groups can be let go.
-          if (!hashes_.empty()) {
-            hash = hashes_.front();
-            hashes_.pop_front();
+          if (!compares_.empty()) {
+            compare = std::move(compares_.front());
+            compares_.pop_front();
           } else if (nextProbe_ < probes_.size()) {
             probe = probes_[nextProbe_++];
           } else {
@@ -228,7 +264,7 @@ private:
           inTask = true;
         }
         std::size_t newlySettled = 0;
-        std::vector<HashTask> queued;
+        std::vector<CompareTask> queued;
         if (probe) {
           runProbe(*probe, digest, buffer.get());
           bool lastProbe = false;
@@ -240,13 +276,13 @@ private:
           // queues its whole reads.
           if (lastProbe) newlySettled = settleProbedGroup(probe->group, queued);
         } else {
-          newlySettled = runHash(*hash, digest, buffer.get());
+          newlySettled = runCompare(*compare, digest, spare, buffer.get());
         }
         {
           std::lock_guard lock(mutex_);
           --running_;
           inTask = false;
-          for (const auto& task : queued) hashes_.push_back(task);
+          for (auto& task : queued) compares_.push_back(std::move(task));
           const std::size_t before = settled_;
           settled_ += newlySettled;
           if (settled_ / reportEvery_ != before / reportEvery_ || settled_ == total_) settledChanged_.notify_one();
@@ -314,9 +350,9 @@ private:
 
   static bool probe(const RegularFile& file, Member& member, DigestContext& digest, unsigned char* buffer) {
     const std::int64_t size = file.info().st_size;
-    digest.begin();
     if (size <= kWholeReadLimit) {
-      if (!feedToEnd(file.descriptor(), digest, buffer)) return false;
+      digest.begin();
+      if (!feedToEnd(file.descriptor(), digest, buffer, kBufferSize)) return false;
       member.key = digest.finish();
       member.whole = true;
       return true;
@@ -324,19 +360,23 @@ private:
     const ssize_t head = readAt(file.descriptor(), buffer, kEdgeBlock, 0);
     const ssize_t tail = readAt(file.descriptor(), buffer + kEdgeBlock, kEdgeBlock, static_cast<off_t>(size - kEdgeBlock));
     if (head < 0 || tail < 0) return false;
-    digest.update(buffer, static_cast<std::size_t>(head));
-    digest.update(buffer + kEdgeBlock, static_cast<std::size_t>(tail));
-    unsigned char sizeBytes[8];
-    for (int i = 0; i < 8; ++i) sizeBytes[i] = static_cast<unsigned char>(static_cast<std::uint64_t>(size) >> (8 * i));
-    digest.update(sizeBytes, sizeof sizeBytes);
-    member.key = digest.finish();
+    // The key only has to be equal for equal bytes: a key shared by chance costs a
+    // comparison, never a wrong group. So a fast hash will do, and SHA-256 is kept for
+    // whole contents.
+    const std::hash<std::string_view> hash;
+    const std::uint64_t parts[3] = {
+        hash(std::string_view(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(head))),
+        hash(std::string_view(reinterpret_cast<const char*>(buffer + kEdgeBlock), static_cast<std::size_t>(tail))),
+        static_cast<std::uint64_t>(size)};
+    member.key = Digest{};
+    std::memcpy(member.key.data(), parts, sizeof parts);
     member.whole = false;
     return true;
   }
 
   // Every member of the group is probed: settles those that are unique or failed and those
   // already digested whole, and queues one whole read for each source that still needs one.
-  std::size_t settleProbedGroup(std::uint32_t g, std::vector<HashTask>& queued) {
+  std::size_t settleProbedGroup(std::uint32_t g, std::vector<CompareTask>& queued) {
     GroupWork& work = work_[g];
     auto& members = work.members;
     std::size_t settledNow = 0;
@@ -366,38 +406,120 @@ private:
         for (std::size_t k = i; k < j; ++k) members[live[k]].state = State::hashed;
         settledNow += j - i;
       } else {
-        // Sorted by source within the run: one whole read per source, settling its names.
+        // Sorted by source within the run: each source is read once, settling its names.
+        CompareTask task{g, {}};
         for (std::size_t k = i; k < j;) {
           std::size_t l = k + 1;
           while (l < j && members[live[l]].source == members[live[k]].source) ++l;
-          queued.push_back(HashTask{g, members[live[k]].source, static_cast<std::uint32_t>(l - k)});
+          task.sources.emplace_back(members[live[k]].source, static_cast<std::uint32_t>(l - k));
           k = l;
         }
+        queued.push_back(std::move(task));
       }
       i = j;
     }
     return settledNow;
   }
 
-  std::size_t runHash(const HashTask& task, DigestContext& digest, unsigned char* buffer) {
-    Member& member = work_[task.group].members[task.member];
-    RegularFile file;
-    bool read = file.open(groups_[task.group].files[task.member].path);
-    if (read) {
-      if (file.info().st_size > static_cast<off_t>(kBufferSize)) {
-        ::posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  std::size_t runCompare(const CompareTask& task, DigestContext& digest, DigestContext& spare, unsigned char* buffer) {
+    std::size_t settles = 0;
+    for (const auto& source : task.sources) settles += source.second;
+    const bool wholeRunAtOnce = task.sources.size() <= kMaxOpenFiles;
+    for (std::size_t begin = 0; begin < task.sources.size(); begin += kMaxOpenFiles) {
+      const std::size_t end = std::min(begin + kMaxOpenFiles, task.sources.size());
+      compareBatch(task.group, task.sources.data() + begin, end - begin, wholeRunAtOnce, digest, spare, buffer);
+    }
+    return settles;
+  }
+
+  // Reads the files side by side, block by block. Only the first (the leader) is digested;
+  // a file whose every block equals the leader's has the leader's content, and so its
+  // digest. A file that departs from the leader continues alone, its digest taking over the
+  // leader's state at the block where they parted, so every file is read exactly once and
+  // its digest is always that of its own whole content. When the batch is the whole run, a
+  // file with one name that no other file matches is unique, and reading it stops.
+  void compareBatch(std::uint32_t g, const std::pair<std::uint32_t, std::uint32_t>* sources, std::size_t count,
+                    bool wholeRun, DigestContext& digest, DigestContext& spare, unsigned char* buffer) {
+    struct OpenSource {
+      std::uint32_t member;
+      std::uint32_t weight;
+      RegularFile file;
+    };
+    auto& members = work_[g].members;
+    const auto& files = groups_[g].files;
+    std::vector<OpenSource> open;
+    open.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+      RegularFile file;
+      if (file.open(files[sources[i].first].path)) open.push_back(OpenSource{sources[i].first, sources[i].second, std::move(file)});
+      else members[sources[i].first].state = State::failed;
+    }
+    if (open.empty()) return;
+    auto settle = [&](const OpenSource& source, State state, const Digest& value = Digest{}) {
+      members[source.member].state = state;
+      if (state == State::hashed) {
+        members[source.member].key = value;
+        members[source.member].whole = true;
       }
-      digest.begin();
-      read = feedToEnd(file.descriptor(), digest, buffer);
+    };
+    if (wholeRun && open.size() == 1 && open[0].weight == 1) {
+      settle(open[0], State::unique);
+      return;
     }
-    if (read) {
-      member.key = digest.finish();
-      member.whole = true;
-      member.state = State::hashed;
-    } else {
-      member.state = State::failed;
+    // Two single names that part: neither can match anything else in the run.
+    const bool pair = wholeRun && open.size() == 2 && open[0].weight == 1 && open[1].weight == 1;
+    unsigned char* const leaderBlock = buffer;
+    unsigned char* const otherBlock = buffer + kHalf;
+    const OpenSource& leader = open.front();
+    std::vector<OpenSource> followers;
+    followers.reserve(open.size() - 1);
+    for (std::size_t i = 1; i < open.size(); ++i) followers.push_back(std::move(open[i]));
+
+    // `digest` holds the leader's bytes before the current block: the state a departing
+    // file takes over, since its bytes were the same up to there.
+    auto finishAlone = [&](OpenSource& file, const unsigned char* pending, std::size_t pendingSize) {
+      spare.copyFrom(digest);
+      spare.update(pending, pendingSize);
+      if (feedToEnd(file.file.descriptor(), spare, otherBlock, kHalf)) settle(file, State::hashed, spare.finish());
+      else settle(file, State::failed);
+    };
+    digest.begin();
+    for (;;) {
+      const ssize_t leaderCount = readBlock(leader.file.descriptor(), leaderBlock, kHalf);
+      if (leaderCount < 0) {
+        settle(leader, State::failed);
+        for (auto& follower : followers) finishAlone(follower, nullptr, 0);
+        return;
+      }
+      for (auto it = followers.begin(); it != followers.end();) {
+        const ssize_t otherCount = readBlock(it->file.descriptor(), otherBlock, kHalf);
+        if (otherCount == leaderCount && std::memcmp(leaderBlock, otherBlock, static_cast<std::size_t>(otherCount)) == 0) {
+          ++it;
+          continue;
+        }
+        if (otherCount < 0) {
+          settle(*it, State::failed);
+        } else if (pair) {
+          settle(leader, State::unique);
+          settle(*it, State::unique);
+          return;
+        } else {
+          finishAlone(*it, otherBlock, static_cast<std::size_t>(otherCount));
+        }
+        it = followers.erase(it);
+      }
+      if (leaderCount == 0) {
+        const Digest value = digest.finish();
+        settle(leader, State::hashed, value);
+        for (const auto& follower : followers) settle(follower, State::hashed, value);
+        return;
+      }
+      if (followers.empty() && wholeRun && leader.weight == 1) {
+        settle(leader, State::unique);
+        return;
+      }
+      digest.update(leaderBlock, static_cast<std::size_t>(leaderCount));
     }
-    return task.weight;
   }
 
   std::vector<std::vector<std::optional<Digest>>> results() const {
@@ -426,7 +548,7 @@ private:
   std::mutex mutex_;
   std::condition_variable workAvailable_;
   std::condition_variable settledChanged_;
-  std::deque<HashTask> hashes_;
+  std::deque<CompareTask> compares_;
   std::size_t nextProbe_ = 0;
   std::size_t running_ = 0;
   std::size_t settled_ = 0;

@@ -15,16 +15,20 @@ using Digest = std::array<unsigned char, 32>;
 
 /// Establishes which files of each size group have equal whole-content SHA-256 digests.
 ///
-/// Reading every candidate in full is what a scan costs, so this does less where it can
-/// without changing the answer:
-/// - a file is first probed: files of up to 8 KiB are read whole and digested at once; of a
-///   larger one, the first and last 4 KiB and its size are digested as a key. A file whose
-///   key no other member of its group shares cannot have the digest of any other member, and
-///   is never read in full;
+/// Reading and digesting every candidate in full is what a scan costs, so this does less
+/// where it can without changing the answer:
+/// - each file is first probed. One of up to 8 KiB is read whole and digested at once; of a
+///   larger one, the first and last 4 KiB and its size make a key. A file whose key no other
+///   member of its group shares cannot have the digest of any other member, and is never read
+///   in full;
+/// - files that share a key are read side by side, block by block, and only the first of
+///   them is digested: a file whose every block equals the first one's has its digest. One
+///   that departs goes on alone from the digest state where they parted, so every digest is
+///   that of the file's own whole content, and every file is read once;
 /// - names that were hard links of one file when indexed are read once, after each name has
 ///   been opened and found to be that same file still;
-/// - up to `workers` threads probe and hash at once, each with one 1 MiB read buffer, so
-///   memory stays bounded whatever the file sizes.
+/// - up to `workers` threads work at once, each with one 256 KiB read buffer and at most 16
+///   open files, so memory stays bounded whatever the file sizes.
 /// Only regular files are read: every open is no-follow and non-blocking, and a name that is
 /// no longer a regular file (a FIFO swapped in, a link) is left out, as is one that cannot be
 /// opened. Files are read as they are now, whatever their size when indexed.

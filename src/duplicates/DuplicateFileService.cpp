@@ -45,8 +45,9 @@ std::int64_t sizeAttribute(const std::string& path) {
 }
 
 // Oldest first; equal dates keep the order in which the walk found the files.
-DuplicateGroup makeGroup(const SizeGroup& sizeGroup, std::vector<std::uint32_t> members, const Digest& digest) {
-  const auto& files = sizeGroup.files;
+// The paths move into the group: the size table is not needed after this.
+DuplicateGroup makeGroup(SizeGroup& sizeGroup, std::vector<std::uint32_t> members, const Digest& digest) {
+  auto& files = sizeGroup.files;
   std::stable_sort(members.begin(), members.end(), [&](std::uint32_t a, std::uint32_t b) {
     return files[a].modificationDate < files[b].modificationDate;
   });
@@ -54,8 +55,8 @@ DuplicateGroup makeGroup(const SizeGroup& sizeGroup, std::vector<std::uint32_t> 
   group.fileSize = sizeAttribute(files[members.front()].path);
   group.files.reserve(members.size());
   for (std::size_t position = 0; position < members.size(); ++position) {
-    const IndexedFile& file = files[members[position]];
-    group.files.push_back(DuplicateFile{core::makeUuid(), file.path, group.fileSize, file.modificationDate, position != 0});
+    IndexedFile& file = files[members[position]];
+    group.files.push_back(DuplicateFile{core::makeUuid(), std::move(file.path), group.fileSize, file.modificationDate, position != 0});
   }
   group.fileHash = hexText(digest).substr(0, 12);
   group.representativeFileName = lastPathComponent(group.files.front().path);
@@ -75,7 +76,7 @@ std::vector<DuplicateGroup> DuplicateFileService::scan(const std::string& direct
     if (onProgress) onProgress(text);
   };
   post("Indexing files…");
-  const auto sizeGroups = FileIndex::sharedSizes(directory, minFileSize, [&](std::size_t count) {
+  auto sizeGroups = FileIndex::sharedSizes(directory, minFileSize, [&](std::size_t count) {
     if (count % kIndexedEvery == 0) post(fmt::format("Indexed {} files…", count));
   });
   if (!sizeGroups) return {};
