@@ -194,14 +194,13 @@ int main(int argc, char* argv[]) {
     shot(QStringLiteral("tour-%1").arg(page, 2, 10, QLatin1Char('0')));
   }
 
-  // The cleaner through every phase.
-  state.setOnboardingComplete(true);
-  state.setSelectedNavItem(halcyra::app::NavigationItem::clean);
-  shot(QStringLiteral("clean-1-idle"));
-
+  // The tour's last button ends the tour and starts a scan in the cleaner, which then goes
+  // through every phase.
   service->holdNext();
-  cleaner.scan(service, logger);
-  waitFor([&] { return !cleaner.scanStatus().isEmpty(); });
+  QMetaObject::invokeMethod(tour, "completeOnboarding", Q_ARG(QVariant, true));
+  if (!waitFor([&] { return !cleaner.scanStatus().isEmpty(); })) {
+    problems.append(QStringLiteral("the tour's last page did not start a scan"));
+  }
   shot(QStringLiteral("clean-2-scanning"));
   service->release();
   waitFor([&] { return cleaner.phase() == halcyra::clean::CleanViewModel::Phase::preview; });
@@ -226,6 +225,8 @@ int main(int argc, char* argv[]) {
   cleaner.rescan(service, logger);
   waitFor([&] { return cleaner.phase() == halcyra::clean::CleanViewModel::Phase::error; });
   shot(QStringLiteral("clean-8-error"));
+  cleaner.reset();
+  shot(QStringLiteral("clean-1-idle"));
 
   // A tool that is not part of this build, settings, about and the notices.
   state.setSelectedNavItem(halcyra::app::NavigationItem::duplicates);

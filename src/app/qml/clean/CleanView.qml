@@ -13,6 +13,13 @@ Item {
                                  : phase
     // The dashboard's quick clean and the tour's last page ask for a scan as the cleaner shows.
     Component.onCompleted: CleanViewModel.autoScanIfRequested(NativeCleanService, AppState, DebugLogger)
+    // The tour sets the flag just after it has brought the cleaner up.
+    Connections {
+        target: AppState
+        function onShouldAutoScanChanged() {
+            CleanViewModel.autoScanIfRequested(NativeCleanService, AppState, DebugLogger)
+        }
+    }
 
     ScreenHeader {
         id: header

@@ -54,13 +54,13 @@ Item {
         }
         // The sheen of a lit sphere.
         Rectangle {
-            x: parent.width * 0.18
-            y: parent.height * 0.08
-            width: parent.width * 0.64
-            height: parent.height * 0.42
+            x: parent.width * 0.24
+            y: parent.height * 0.07
+            width: parent.width * 0.52
+            height: parent.height * 0.3
             radius: height / 2
             gradient: Gradient {
-                GradientStop { position: 0.0; color: Qt.rgba(1, 1, 1, 0.45) }
+                GradientStop { position: 0.0; color: Qt.rgba(1, 1, 1, 0.32) }
                 GradientStop { position: 1.0; color: Qt.rgba(1, 1, 1, 0.0) }
             }
         }
