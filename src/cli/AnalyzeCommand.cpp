@@ -22,7 +22,7 @@ using analyzer::DirectoryNode;
 using analyzer::DiskAnalyzerScanResult;
 
 constexpr std::string_view kUsage =
-    "Usage: halcyra analyze DIR [--depth N] [--json]\n\n"
+    "Usage: halcyra analyze DIR [--depth N] [--threads N] [--json]\n\n"
     "Walks DIR into a tree of its sub-folders with their sizes on disk and finds the 20 largest\n"
     "files. Sizes are allocated space; hidden files count; symbolic links are not followed and\n"
     "other file systems mounted below DIR are not entered. Down to 12 levels every folder is\n"
@@ -30,6 +30,7 @@ constexpr std::string_view kUsage =
     "nothing.\n\n"
     "Options:\n"
     "  --depth N    show N levels of sub-folders, each level largest first (default 1)\n"
+    "  --threads N  walk with N threads (default: one per processor core, at most 4)\n"
     "  --json       print the whole result as JSON: root (id, name, path, size, children,\n"
     "               fileCount, isPermissionDenied), totalSize, fileCount, directoryCount,\n"
     "               duration (seconds), largestFiles (id, path, name, size)\n"
@@ -178,11 +179,12 @@ private:
 };
 
 int runAnalyze(const std::vector<std::string>& args) {
-  Arguments arguments({"--json"}, {"--depth"});
+  Arguments arguments({"--json"}, {"--depth", "--threads"});
   arguments.parse(args);
   if (arguments.positional().empty()) throw UsageError("which folder? Give DIR");
   if (arguments.positional().size() > 1) throw UsageError("unexpected argument " + arguments.positional()[1]);
   const int depth = static_cast<int>(arguments.integer("--depth", 1, 1, analyzer::DiskAnalyzerService::kMaxDepth));
+  const auto threads = static_cast<unsigned>(arguments.integer("--threads", 0, 1, 64));
   const std::string& folder = arguments.positional().front();
 
   struct stat info {};
@@ -190,7 +192,7 @@ int runAnalyze(const std::vector<std::string>& args) {
   if (!S_ISDIR(info.st_mode)) throw CommandError("not a folder: " + folder);
 
   StatusLine statusLine;
-  const analyzer::DiskAnalyzerService service;
+  const analyzer::DiskAnalyzerService service({.workers = threads});
   const auto result = service.scanDirectory(folder, [&](const std::string& text) { statusLine.status(text); });
   statusLine.finish();
   if (result.root.isPermissionDenied) std::cerr << "halcyra analyze: the folder could not be read: " << folder << '\n';
