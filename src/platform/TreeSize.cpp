@@ -20,10 +20,11 @@ namespace {
 // O_NONBLOCK: a FIFO that replaced a folder between listing and opening must not block the
 // open; O_DIRECTORY then refuses it.
 constexpr int kDirectoryFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-// Folders up to this many levels below a measured path are remembered. The places that several
-// targets and scanners reach lie within a level or two of each other; deeper folders are
-// remembered only as part of their ancestors' totals, which keeps the memory small.
-constexpr int kRememberedDepth = 3;
+// Folders up to this many levels below a measured path are remembered and looked up. The places
+// that several targets and scanners reach lie within a level or two of each other; deeper
+// folders count only as part of their ancestors' totals, which keeps the memory small and
+// spares them the fstat that the identity costs.
+constexpr int kRememberedDepth = 2;
 // The frames nearest the top of a walk keep their descriptor; deeper ones are climbed back to
 // through "..", so a walk of any depth holds a bounded number of descriptors.
 constexpr std::size_t kHeldDescriptors = 12;
@@ -84,7 +85,7 @@ struct Job {
   int fd = -1;
   std::size_t slot = 0; // which measured path it belongs to
   int depth = 0;        // levels below that path
-  FolderKey key;
+  std::optional<FolderKey> key; // known for remembered depths only
 };
 
 } // namespace
@@ -141,7 +142,7 @@ public:
 private:
   struct Frame {
     int fd = -1;
-    FolderKey key;
+    std::optional<FolderKey> key; // taken at remembered depths, and before giving up the descriptor
     int depth = 0;
     std::int64_t subtotal = 0;
     bool complete = true; // false when part of the subtree went to another worker or was cut short
@@ -200,27 +201,32 @@ std::int64_t TreeSizer::State::Worker::walk(const Job& job) {
       top.pending.pop_back();
       const int child = ::openat(top.fd, name.c_str(), kDirectoryFlags);
       if (child < 0) continue; // unreadable or gone: counts nothing
-      struct stat info {};
-      if (::fstat(child, &info) != 0) {
-        ::close(child);
-        continue;
+      const int depth = top.depth + 1;
+      std::optional<FolderKey> key;
+      if (depth <= kRememberedDepth) {
+        struct stat info {};
+        if (::fstat(child, &info) != 0) {
+          ::close(child);
+          continue;
+        }
+        key = keyOf(info);
+        if (const auto size = knownSize(*key)) {
+          top.subtotal += *size;
+          ::close(child);
+          continue;
+        }
       }
-      const FolderKey key = keyOf(info);
-      if (const auto size = knownSize(key)) {
-        top.subtotal += *size;
-        ::close(child);
-        continue;
-      }
-      const Job shared{child, job.slot, top.depth + 1, key};
-      if (!top.pending.empty() && state_.wantsWork() && state_.offer(shared)) {
+      if (!top.pending.empty() && state_.wantsWork() && state_.offer(Job{child, job.slot, depth, key})) {
         top.complete = false;
         continue;
       }
       if (stack.size() >= kHeldDescriptors) {
+        // The walk climbs back here through "..", and checks it arrives where it left.
+        struct stat info {};
+        if (!top.key && ::fstat(top.fd, &info) == 0) top.key = keyOf(info);
         ::close(top.fd);
         top.fd = -1;
       }
-      const int depth = top.depth + 1;
       stack.push_back(Frame{child, key, depth, 0, true, {}});
       list(stack.back());
       continue;
@@ -228,7 +234,9 @@ std::int64_t TreeSizer::State::Worker::walk(const Job& job) {
 
     Frame done = std::move(stack.back());
     stack.pop_back();
-    if (done.complete && done.depth > 0 && done.depth <= kRememberedDepth) found_.emplace_back(done.key, done.subtotal);
+    if (done.complete && done.depth > 0 && done.depth <= kRememberedDepth && done.key) {
+      found_.emplace_back(*done.key, done.subtotal);
+    }
     if (stack.empty()) {
       ::close(done.fd);
       return done.subtotal;
@@ -241,7 +249,7 @@ std::int64_t TreeSizer::State::Worker::walk(const Job& job) {
       // moved away during the walk ends the walk instead of measuring somewhere else.
       const int up = ::openat(done.fd, "..", kDirectoryFlags);
       struct stat info {};
-      const bool same = up >= 0 && ::fstat(up, &info) == 0 && keyOf(info) == parent.key;
+      const bool same = up >= 0 && ::fstat(up, &info) == 0 && parent.key && keyOf(info) == *parent.key;
       ::close(done.fd);
       if (!same) {
         if (up >= 0) ::close(up);
