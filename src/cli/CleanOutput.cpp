@@ -15,11 +15,13 @@ namespace {
 
 std::string absoluteFolder(const std::string& option, const std::string& value) {
   std::error_code error;
-  const auto path = std::filesystem::absolute(value, error);
+  // Spelled without symbolic links: removal never passes through one, so every path the scan
+  // builds below this folder must be its real path.
+  const auto path = std::filesystem::canonical(value, error);
   if (error || !std::filesystem::is_directory(path, error)) {
     throw CommandError(option + ": no such folder: " + value);
   }
-  return path.lexically_normal().string();
+  return path.string();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/SystemPaths.h"
 
+#include <climits>
 #include <cstdlib>
 #include <pwd.h>
 #include <unistd.h>
@@ -27,6 +28,12 @@ SystemPaths SystemPaths::current() {
     home = entry->pw_dir;
   } else {
     home = "/";
+  }
+  // The home as the file system knows it: removal refuses to pass through symbolic links, so a
+  // home reached through one (/home -> /data/home) must be spelled without them from the start.
+  if (char* real = ::realpath(home.c_str(), nullptr); real != nullptr) {
+    home = real;
+    std::free(real);
   }
   return SystemPaths(home, "/");
 }
