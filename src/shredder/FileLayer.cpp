@@ -13,6 +13,13 @@ ssize_t FileLayer::writeAt(int fd, const unsigned char* data, std::size_t length
   return ::pwrite(fd, data, length, static_cast<off_t>(offset));
 }
 
+void FileLayer::startWriteback([[maybe_unused]] int fd, [[maybe_unused]] std::int64_t offset,
+                               [[maybe_unused]] std::int64_t length) {
+#if defined(SYNC_FILE_RANGE_WRITE)
+  ::sync_file_range(fd, static_cast<off_t>(offset), static_cast<off_t>(length), SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
 int FileLayer::syncData(int fd) {
 #if defined(__APPLE__)
   return ::fsync(fd); // no fdatasync there

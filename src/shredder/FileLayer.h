@@ -19,6 +19,10 @@ public:
   virtual ssize_t readAt(int fd, unsigned char* data, std::size_t length, std::int64_t offset);
   /// pwrite: up to `length` bytes at `offset`.
   virtual ssize_t writeAt(int fd, const unsigned char* data, std::size_t length, std::int64_t offset);
+  /// Starts writing a range to the disk without waiting for it, so that the disk works while
+  /// the next chunk is made; the sync at the end of a stage then has little left to wait
+  /// for. Only a hint: where the system has no such call it does nothing.
+  virtual void startWriteback(int fd, std::int64_t offset, std::int64_t length);
   /// fdatasync: the written data (and the size) on the disk.
   virtual int syncData(int fd);
   /// ftruncate.

@@ -459,6 +459,7 @@ void ShredderService::encryptInPlace(int fd, const std::string& path, std::int64
       throw std::runtime_error("encryption failed");
     }
     writeFully(*files_, fd, chunk.data(), got, offset);
+    files_->startWriteback(fd, offset, static_cast<std::int64_t>(got));
     offset += static_cast<std::int64_t>(got);
     index += 1;
     if (onStageProgress) onStageProgress(0, static_cast<double>(offset) / static_cast<double>(fileSize));
@@ -481,6 +482,7 @@ void ShredderService::overwrite(int fd, std::int64_t fileSize, int passes, std::
         std::fill_n(chunk.begin(), length, 0);
       }
       writeFully(*files_, fd, chunk.data(), length, written);
+      files_->startWriteback(fd, written, static_cast<std::int64_t>(length));
       written += static_cast<std::int64_t>(length);
       if (onStageProgress) onStageProgress(pass + 1, static_cast<double>(written) / static_cast<double>(fileSize));
     }
