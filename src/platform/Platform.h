@@ -7,6 +7,7 @@
 #include "platform/RunningApplications.h"
 #include "platform/SystemPaths.h"
 #include "platform/Trash.h"
+#include "platform/Workspace.h"
 
 namespace halcyra::platform {
 
@@ -18,6 +19,7 @@ struct Platform {
   std::shared_ptr<RunningApplications> runningApps;
   std::shared_ptr<Trash> trash;
   std::shared_ptr<PrivilegedRunner> privileged;
+  std::shared_ptr<Workspace> workspace;
 
   /// The real implementations for this operating system, looking at `paths`.
   static Platform forSystem(SystemPaths paths = SystemPaths::current());

@@ -12,6 +12,8 @@ Platform Platform::forSystem(SystemPaths paths) {
   platform.processes = std::make_shared<SystemProcessRunner>();
   platform.runningApps = std::make_shared<SystemRunningApplications>();
   platform.privileged = std::make_shared<PkexecPrivilegedRunner>(platform.processes);
+  platform.workspace = std::make_shared<FreedesktopWorkspace>(
+      platform.processes, freedesktopTrashDirectory(platform.paths.home(), ownHome));
   return platform;
 }
 
