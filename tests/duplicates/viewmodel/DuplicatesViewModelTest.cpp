@@ -1,0 +1,352 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <random>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QSettings>
+#include <QSignalSpy>
+
+#include "DuplicatesTestGroups.h"
+#include "FakeDuplicateService.h"
+#include "QtPrinting.h"
+#include "core/CleanError.h"
+#include "duplicates/viewmodel/DuplicatesViewModel.h"
+#include "support/TempDir.h"
+
+using halcyra::app::AppState;
+using halcyra::app::DebugLogger;
+using halcyra::app::NavigationItem;
+using halcyra::duplicates::DuplicateGroup;
+using halcyra::duplicates::DuplicatesViewModel;
+using halcyra::duplicates::SelectionStrategy;
+using halcyra::testing::copyOf;
+using halcyra::testing::copyOnDisk;
+using halcyra::testing::groupOf;
+using Phase = DuplicatesViewModel::Phase;
+
+namespace {
+
+class DuplicatesViewModelTest : public ::testing::Test {
+protected:
+  halcyra::testing::TempDir home;
+  std::shared_ptr<halcyra::testing::FakeDuplicateService> service =
+      std::make_shared<halcyra::testing::FakeDuplicateService>();
+  DebugLogger logger;
+  AppState state{std::make_unique<QSettings>(QString::fromStdString(home / "defaults.ini"), QSettings::IniFormat)};
+  DuplicatesViewModel viewModel{halcyra::platform::SystemPaths(home.path())};
+
+  /// Runs the event loop until the view model reaches `phase`; the deadline only keeps a
+  /// broken view model from hanging the suite.
+  void waitFor(Phase phase) {
+    QDeadlineTimer deadline(10000);
+    while (viewModel.phase() != phase && !deadline.hasExpired()) {
+      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    ASSERT_EQ(viewModel.phase(), phase) << viewModel.phaseName().toStdString();
+  }
+
+  void scanTo(std::vector<DuplicateGroup> groups, const std::string& folder = "/data") {
+    service->groups = std::move(groups);
+    viewModel.scan(folder, service, logger);
+    waitFor(service->groups.empty() ? Phase::idle : Phase::preview);
+  }
+
+  /// Two groups as the scan leaves them: every copy but the oldest marked.
+  static std::vector<DuplicateGroup> twoGroups() {
+    return {groupOf("g1", "Holiday.jpg",
+                    {copyOf("a", "/data/Holiday.jpg", 0, false), copyOf("b", "/data/old/Holiday.jpg", 5, true),
+                     copyOf("c", "/data/new/Holiday copy.jpg", 9, true)}),
+            groupOf("g2", "Report.pdf",
+                    {copyOf("d", "/data/Report.pdf", 1, false), copyOf("e", "/data/mail/Report.pdf", 2, true)})};
+  }
+
+  std::vector<std::string> messages() const {
+    std::vector<std::string> result;
+    for (const auto& entry : logger.entries()) result.push_back(entry.message);
+    return result;
+  }
+
+  std::string selection(const std::string& groupId) const {
+    std::string marks;
+    for (const auto& group : viewModel.groups()) {
+      if (group.id != groupId) continue;
+      for (const auto& file : group.files) marks += file.isSelected ? 'x' : '-';
+    }
+    return marks;
+  }
+};
+
+} // namespace
+
+TEST_F(DuplicatesViewModelTest, ScanShowsGroupsAndLogsItsCourse) {
+  viewModel.scan("/old", service, logger);
+  waitFor(Phase::idle);
+  service->statuses = {"Indexing files…", "Found 5 candidates in 2 size groups"};
+  service->groups = twoGroups();
+  QSignalSpy statuses(&viewModel, &DuplicatesViewModel::scanStatusChanged);
+  viewModel.scan("/data", service, logger);
+  EXPECT_EQ(viewModel.phase(), Phase::scanning);
+  EXPECT_TRUE(viewModel.groups().empty());
+  EXPECT_EQ(viewModel.scanDirectoryText(), "/data");
+  waitFor(Phase::preview);
+
+  EXPECT_EQ(viewModel.groupCount(), 2);
+  EXPECT_TRUE(viewModel.scanStatus().isEmpty());
+  EXPECT_GE(statuses.count(), 3); // both texts came through, then the status was cleared
+  EXPECT_FALSE(viewModel.noDuplicatesFound());
+  ASSERT_EQ(service->scans().size(), 2u);
+  EXPECT_EQ(service->scans()[1].directory, "/data");
+  EXPECT_EQ(service->scans()[1].minFileSize, 4096);
+
+  const auto log = messages();
+  ASSERT_EQ(log.size(), 4u);
+  EXPECT_EQ(log[2], "Duplicate scan started: /data");
+  // Three copies marked across both groups, 4096 bytes each.
+  EXPECT_EQ(log[3], "Duplicate scan complete: 2 groups, 5 files, 12 KB reclaimable");
+  EXPECT_EQ(logger.entries().back().source, halcyra::core::LogEntry::LogSource::duplicates);
+}
+
+TEST_F(DuplicatesViewModelTest, ScanWithoutDuplicatesSaysSoUntilReset) {
+  scanTo({});
+  EXPECT_EQ(viewModel.phase(), Phase::idle);
+  EXPECT_TRUE(viewModel.noDuplicatesFound());
+  EXPECT_EQ(messages().back(), "Duplicate scan complete: 0 groups, 0 files, 0 KB reclaimable");
+
+  viewModel.reset();
+  EXPECT_FALSE(viewModel.noDuplicatesFound());
+  EXPECT_FALSE(viewModel.scanDirectory().has_value());
+}
+
+TEST_F(DuplicatesViewModelTest, FailuresEndInTheErrorPhaseWithTheirDescription) {
+  service->failure = std::make_exception_ptr(
+      halcyra::core::CleanError(halcyra::core::CleanError::Kind::scanFailed, "disk on fire"));
+  viewModel.scan("/data", service, logger);
+  waitFor(Phase::error);
+  EXPECT_EQ(viewModel.errorText(), "Scan failed. Please try again.");
+  EXPECT_EQ(messages().back(), "Duplicate scan error: Scan failed. Please try again.");
+
+  // "Scan Again" on the error goes back to the folder choice.
+  viewModel.reset();
+  EXPECT_EQ(viewModel.phase(), Phase::idle);
+
+  service->failure = nullptr;
+  scanTo(twoGroups());
+  service->failure = std::make_exception_ptr(std::runtime_error("The volume is not mounted."));
+  viewModel.requestConfirmation();
+  viewModel.confirmDelete(service, state, logger);
+  waitFor(Phase::error);
+  EXPECT_EQ(viewModel.errorText(), "The volume is not mounted.");
+  EXPECT_EQ(messages().back(), "Duplicate cleanup error: The volume is not mounted.");
+}
+
+TEST_F(DuplicatesViewModelTest, RescanScansTheLastFolderAgainAndNeedsOne) {
+  viewModel.rescan(service, logger);
+  EXPECT_EQ(viewModel.phase(), Phase::idle);
+  EXPECT_TRUE(service->scans().empty());
+
+  scanTo(twoGroups(), "/data/photos");
+  viewModel.requestConfirmation();
+  viewModel.confirmDelete(service, state, logger);
+  waitFor(Phase::summary);
+
+  viewModel.rescan(service, logger);
+  EXPECT_EQ(viewModel.phase(), Phase::scanning);
+  waitFor(Phase::preview);
+  ASSERT_EQ(service->scans().size(), 2u);
+  EXPECT_EQ(service->scans()[1].directory, "/data/photos");
+}
+
+TEST_F(DuplicatesViewModelTest, StrategiesKeepOneCopyByDateAndEqualDatesKeepListOrder) {
+  auto groups = twoGroups();
+  // Listed out of date order, with two copies of one date: the dates decide, ties by list order.
+  groups.push_back(groupOf("g3", "Song.mp3",
+                           {copyOf("f", "/data/1.mp3", 3, true), copyOf("g", "/data/2.mp3", 3, true),
+                            copyOf("h", "/data/3.mp3", 1, false)}));
+  scanTo(groups);
+
+  viewModel.applyStrategy(SelectionStrategy::keepNewest);
+  EXPECT_EQ(selection("g1"), "xx-");
+  EXPECT_EQ(selection("g3"), "x-x");
+  viewModel.applyStrategy(SelectionStrategy::keepOldest);
+  EXPECT_EQ(selection("g1"), "-xx"); // the scan's own default again
+  EXPECT_EQ(selection("g2"), "-x");
+  EXPECT_EQ(selection("g3"), "xx-");
+
+  viewModel.applyStrategy(QStringLiteral("keepNewest"));
+  EXPECT_EQ(selection("g2"), "x-");
+  viewModel.applyStrategy(QStringLiteral("keepEverything"));
+  EXPECT_EQ(selection("g2"), "x-");
+}
+
+TEST_F(DuplicatesViewModelTest, TheLastUnmarkedCopyOfAGroupCannotBeMarked) {
+  scanTo(twoGroups());
+  QSignalSpy changes(&viewModel, &DuplicatesViewModel::selectionChanged);
+
+  // A group of two: the marked copy comes off, then the other cannot go on.
+  viewModel.toggleFile(QStringLiteral("g2"), QStringLiteral("e"));
+  EXPECT_EQ(selection("g2"), "--");
+  viewModel.toggleFile(QStringLiteral("g2"), QStringLiteral("e"));
+  EXPECT_EQ(selection("g2"), "-x");
+  viewModel.toggleFile(QStringLiteral("g2"), QStringLiteral("d"));
+  EXPECT_EQ(selection("g2"), "-x");
+
+  // Three copies, none marked: two clicks mark two, the third click on the last does nothing.
+  viewModel.deselectAllInGroup(QStringLiteral("g1"));
+  EXPECT_EQ(selection("g1"), "---");
+  viewModel.toggleFile(QStringLiteral("g1"), QStringLiteral("c"));
+  viewModel.toggleFile(QStringLiteral("g1"), QStringLiteral("a"));
+  viewModel.toggleFile(QStringLiteral("g1"), QStringLiteral("b"));
+  EXPECT_EQ(selection("g1"), "x-x");
+  EXPECT_EQ(changes.count(), 5);
+
+  // Unknown ids change nothing.
+  viewModel.toggleFile(QStringLiteral("g1"), QStringLiteral("e"));
+  viewModel.toggleFile(QStringLiteral("nope"), QStringLiteral("a"));
+  viewModel.selectAllInGroup(QStringLiteral("nope"));
+  viewModel.deselectAllInGroup(QStringLiteral("nope"));
+  EXPECT_EQ(selection("g1"), "x-x");
+  EXPECT_EQ(changes.count(), 5);
+}
+
+TEST_F(DuplicatesViewModelTest, SelectAllInGroupLeavesTheOldestCopyUnmarked) {
+  scanTo({groupOf("g", "a.txt",
+                  {copyOf("new", "/d/new.txt", 9, false), copyOf("old", "/d/old.txt", 1, false),
+                   copyOf("mid", "/d/mid.txt", 5, false)})});
+  viewModel.selectAllInGroup(QStringLiteral("g"));
+  EXPECT_EQ(selection("g"), "x-x");
+
+  // Even after "Keep Newest" had marked the oldest: "Select All" never marks every copy.
+  viewModel.applyStrategy(SelectionStrategy::keepNewest);
+  EXPECT_EQ(selection("g"), "-xx");
+  viewModel.selectAllInGroup(QStringLiteral("g"));
+  EXPECT_EQ(selection("g"), "x-x");
+}
+
+TEST_F(DuplicatesViewModelTest, NoSequenceOfSelectionOperationsMarksEveryCopyOfAGroup) {
+  std::vector<DuplicateGroup> groups;
+  for (int g = 0; g < 4; ++g) {
+    std::vector<halcyra::duplicates::DuplicateFile> files;
+    for (int f = 0; f < 2 + g; ++f) {
+      files.push_back(copyOf(std::to_string(g) + "-" + std::to_string(f), "/d/" + std::to_string(f), f % 2, f > 0));
+    }
+    groups.push_back(groupOf(std::to_string(g), "file", std::move(files)));
+  }
+  scanTo(groups);
+
+  std::mt19937 random(20240501);
+  for (int step = 0; step < 2000; ++step) {
+    const int g = static_cast<int>(random() % 4);
+    const QString groupId = QString::number(g);
+    switch (random() % 6) {
+    case 0: viewModel.applyStrategy(random() % 2 ? SelectionStrategy::keepOldest : SelectionStrategy::keepNewest); break;
+    case 1: viewModel.selectAllInGroup(groupId); break;
+    case 2: viewModel.deselectAllInGroup(groupId); break;
+    default:
+      viewModel.toggleFile(groupId, QStringLiteral("%1-%2").arg(g).arg(random() % static_cast<unsigned>(2 + g)));
+    }
+    for (const auto& group : viewModel.groups()) {
+      ASSERT_LT(group.selectedCount(), static_cast<int>(group.files.size())) << "step " << step;
+    }
+  }
+}
+
+TEST_F(DuplicatesViewModelTest, TotalsFollowTheSelectionAndNothingMarkedAsksNothing) {
+  scanTo(twoGroups());
+  EXPECT_EQ(viewModel.totalSelectedCount(), 3);
+  EXPECT_EQ(viewModel.totalWastedSize(), 3 * 4096);
+
+  viewModel.deselectAllInGroup(QStringLiteral("g1"));
+  viewModel.deselectAllInGroup(QStringLiteral("g2"));
+  EXPECT_EQ(viewModel.totalSelectedCount(), 0);
+  EXPECT_EQ(viewModel.totalWastedText(), "0 KB");
+  viewModel.requestConfirmation();
+  EXPECT_EQ(viewModel.phase(), Phase::preview);
+
+  viewModel.toggleFile(QStringLiteral("g2"), QStringLiteral("e"));
+  viewModel.requestConfirmation();
+  EXPECT_EQ(viewModel.phase(), Phase::confirming);
+  viewModel.cancelConfirmation();
+  EXPECT_EQ(viewModel.phase(), Phase::preview);
+  EXPECT_EQ(selection("g2"), "-x");
+}
+
+TEST_F(DuplicatesViewModelTest, DeleteRemovesMarkedCopiesStillAsScannedInGroupOrder) {
+  // Group one: both marked copies as scanned. Group two: one marked copy changed since.
+  // Group three: the kept copy is gone, so its marked copy is no longer known to be spare.
+  auto keep1 = copyOnDisk(home, "one/keep", 900, false);
+  auto mark1a = copyOnDisk(home, "one/b", 600, true);
+  auto mark1b = copyOnDisk(home, "one/a", 300, true);
+  auto keep2 = copyOnDisk(home, "two/keep", 900, false);
+  auto mark2 = copyOnDisk(home, "two/changed", 300, true);
+  auto keep3 = copyOnDisk(home, "three/keep", 900, false);
+  auto mark3 = copyOnDisk(home, "three/spare", 300, true);
+  scanTo({groupOf("g1", "keep", {keep1, mark1a, mark1b}), groupOf("g2", "keep", {keep2, mark2}),
+          groupOf("g3", "keep", {keep3, mark3})});
+  halcyra::testing::TempDir::setAge(mark2.path, 10);
+  std::remove(keep3.path.c_str());
+
+  service->statuses = {"Deleting file 1/2…"};
+  service->result = {8192, 2, 0.46};
+  service->hold();
+  viewModel.requestConfirmation();
+  viewModel.confirmDelete(service, state, logger);
+  EXPECT_EQ(viewModel.phase(), Phase::executing);
+  QDeadlineTimer deadline(10000);
+  while (viewModel.scanStatus().isEmpty() && !deadline.hasExpired()) QCoreApplication::processEvents();
+  EXPECT_EQ(viewModel.scanStatus(), "Deleting file 1/2…");
+  service->release();
+  waitFor(Phase::summary);
+
+  EXPECT_EQ(service->deletedPaths(), (std::vector<std::string>{mark1a.path, mark1b.path}));
+  EXPECT_EQ(viewModel.freedText(), "8 KB");
+  EXPECT_EQ(viewModel.filesDeleted(), 2);
+  EXPECT_FALSE(state.lastCleanDate().isValid());
+
+  const auto log = messages();
+  ASSERT_EQ(log.size(), 6u);
+  EXPECT_EQ(log[2], "Duplicate cleanup started: 4 files, 16 KB selected");
+  EXPECT_EQ(log[3], "Duplicate cleanup skipped " + mark2.path + ": changed since the scan");
+  EXPECT_EQ(log[4], "Duplicate cleanup skipped " + mark3.path + ": the copy kept of it changed since the scan");
+  EXPECT_EQ(log[5], "Duplicate cleanup complete: freed 8 KB, 2 files in 0.5s");
+  EXPECT_EQ(logger.entries()[3].level, halcyra::core::LogEntry::LogLevel::warn);
+}
+
+TEST_F(DuplicatesViewModelTest, DoneClearsTheToolAndGoesToTheDashboard) {
+  scanTo(twoGroups());
+  viewModel.requestConfirmation();
+  viewModel.confirmDelete(service, state, logger);
+  waitFor(Phase::summary);
+  state.setSelectedNavItem(NavigationItem::duplicates);
+
+  viewModel.finish(state);
+  EXPECT_EQ(viewModel.phase(), Phase::idle);
+  EXPECT_TRUE(viewModel.groups().empty());
+  EXPECT_FALSE(viewModel.scanDirectory().has_value());
+  EXPECT_EQ(state.selectedNavItem(), NavigationItem::dashboard);
+}
+
+TEST_F(DuplicatesViewModelTest, WorkFinishingAfterTheViewModelIsGoneReachesNothing) {
+  auto gone = std::make_unique<DuplicatesViewModel>(halcyra::platform::SystemPaths(home.path()));
+  service->groups = twoGroups();
+  service->statuses = {"Indexing files…"};
+  service->hold();
+  gone->scan("/data", service, logger);
+  gone.reset();
+  service->release();
+  QDeadlineTimer deadline(300);
+  while (!deadline.hasExpired()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  // Only the start was logged: the result found no view model to land in.
+  EXPECT_EQ(messages().size(), 1u);
+}
+
+TEST_F(DuplicatesViewModelTest, QuickScanFoldersLieInTheHome) {
+  const QVariantList targets = viewModel.folderTargets();
+  ASSERT_EQ(targets.size(), 5);
+  const QString root = QString::fromStdString(home.path());
+  const QStringList expected{root, root + "/Music", root + "/Pictures", root + "/Downloads", root + "/Documents"};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(targets[i].toMap().value("path").toString(), expected[i]);
+  EXPECT_EQ(targets[0].toMap().value("label").toString(), "Home");
+  EXPECT_EQ(targets[2].toMap().value("icon").toString(), "photo.on.rectangle");
+}
