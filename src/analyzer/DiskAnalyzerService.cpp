@@ -494,6 +494,7 @@ void Walker::popFrame() {
   if (frame.kind != FrameKind::fast || depth_ == 1) {
     frame.node.size = frame.total;
     frame.node.fileCount = frame.kind == FrameKind::node ? frame.fileCount : 0;
+    frame.node.children.shrink_to_fit(); // the tree is kept to the end: no spare room in it
   }
   if (frame.buffer.capacity() > 256 * 1024) std::vector<char>().swap(frame.buffer);
 
