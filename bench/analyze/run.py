@@ -3,9 +3,10 @@
 
 Each round runs every tool once untimed (to warm the file cache, which this kind of machine
 drops after about a minute) and at once again timed; the order of the tools rotates from
-round to round. Prints the median wall time, the peak resident memory of each tool, the
-ratios of halcyra to each of them, and whether halcyra's total agrees with du -s in bytes of
-allocated space (du also counts the blocks of folders and links; those are taken out).
+round to round, and halcyra also runs with --threads 1. Prints the median wall time and
+processor time (user and system) and the peak resident memory of each tool, the ratios of
+halcyra to each of them, and whether halcyra's total agrees with du -s in bytes of allocated
+space (du also counts the blocks of folders and links; those are taken out).
 
 Needs /usr/bin/time (Debian package time), and gdu and ncdu for those columns.
 
@@ -26,15 +27,16 @@ REPO = os.path.dirname(os.path.dirname(HERE))
 
 
 def measure(command, report):
-    """Wall seconds and peak resident KiB of one run, output discarded. The peak comes from
+    """Wall seconds, peak resident KiB and processor seconds of one run, output discarded. The peak comes from
     /usr/bin/time: the resource usage of a child forked from this script would count the
     script's own pages, which the child holds until it executes the tool."""
     start = time.perf_counter()
-    subprocess.run(["/usr/bin/time", "-o", report, "-f", "%M"] + command,
+    subprocess.run(["/usr/bin/time", "-o", report, "-f", "%M %U %S"] + command,
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
     elapsed = time.perf_counter() - start
     with open(report) as lines:
-        return elapsed, int(lines.read().split()[-1])
+        peak, user, system = lines.read().split()[-3:]
+        return elapsed, int(peak), float(user) + float(system)
 
 
 def du_bytes(tree):
@@ -77,6 +79,9 @@ def main():
     if args.threads:
         halcyra_command[2:2] = ["--threads", str(args.threads)]
     tools = [("halcyra", halcyra_command), ("du", ["du", "-s", tree])]
+    if not args.threads:
+        # The same walk on one thread, to show what the second one brings.
+        tools.insert(1, ("halcyra-1", halcyra_command[:2] + ["--threads", "1"] + halcyra_command[2:]))
     if shutil.which("gdu"):
         tools.append(("gdu", ["gdu", "--non-interactive", "--no-progress", tree]))
     if shutil.which("ncdu"):
@@ -85,13 +90,15 @@ def main():
     report = os.path.join(args.out, "time-report")
     times = {name: [] for name, _ in tools}
     peaks = {name: [] for name, _ in tools}
+    cpu = {name: [] for name, _ in tools}
     for round_index in range(args.runs):
         order = tools[round_index % len(tools):] + tools[:round_index % len(tools)]
         for name, command in order:
             measure(command, report)  # warm-up
-            elapsed, peak = measure(command, report)
+            elapsed, peak, seconds = measure(command, report)
             times[name].append(elapsed)
             peaks[name].append(peak)
+            cpu[name].append(seconds)
         print(f"round {round_index + 1}/{args.runs} done", file=sys.stderr)
 
     result = json.loads(subprocess.run(halcyra_command, capture_output=True, check=True).stdout)
@@ -100,13 +107,13 @@ def main():
 
     print(f"tree: {result['fileCount']} files, {result['directoryCount']} folders, "
           f"cpus: {os.cpu_count()}, load: {os.getloadavg()[0]:.1f}")
-    print(f"{'tool':8} {'median s':>9} {'min s':>7} {'max s':>7} {'peak MiB':>9} {'halcyra/tool':>13}")
+    print(f"{'tool':9} {'median s':>9} {'min s':>7} {'max s':>7} {'cpu s':>6} {'peak MiB':>9} {'halcyra/tool':>13}")
     mine = statistics.median(times["halcyra"])
     for name, _ in tools:
         median = statistics.median(times[name])
-        print(f"{name:8} {median:9.3f} {min(times[name]):7.3f} {max(times[name]):7.3f} "
-              f"{max(peaks[name]) / 1024:9.1f} {mine / median:13.2f}")
-    fastest = min((statistics.median(times[name]), name) for name, _ in tools if name != "halcyra")
+        print(f"{name:9} {median:9.3f} {min(times[name]):7.3f} {max(times[name]):7.3f} "
+              f"{statistics.median(cpu[name]):6.2f} {max(peaks[name]) / 1024:9.1f} {mine / median:13.2f}")
+    fastest = min((statistics.median(times[name]), name) for name, _ in tools if not name.startswith("halcyra"))
     print(f"against the fastest other tool ({fastest[1]}): {mine / fastest[0]:.2f}")
     agrees = "agrees" if result["totalSize"] == du_files else "DIFFERS"
     print(f"total: halcyra {result['totalSize']} bytes, du -s {du_total} bytes of which files "
