@@ -38,7 +38,7 @@ public:
 
 /// The freedesktop.org desktop of Linux.
 ///
-/// The Trash follows the freedesktop.org Trash specification: an item on the volume of the
+/// The Trash is laid out as freedesktop.org desktops share it: an item on the volume of the
 /// home Trash is renamed into its files/ folder, one on another volume into that volume's
 /// "$topdir/.Trash-$uid" (made with mode 0700 when absent, and used only when it is a real
 /// folder of this user that others cannot enter). Each item gets a unique name and an
