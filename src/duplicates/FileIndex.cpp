@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -58,9 +59,10 @@ std::optional<std::vector<SizeGroup>> FileIndex::sharedSizes(const std::string& 
   std::string folder = top;
   for (;;) {
     if (descriptor >= 0) {
-      if (DIR* listing = ::fdopendir(descriptor)) {
+      if (DIR* opened = ::fdopendir(descriptor)) {
+        const std::unique_ptr<DIR, int (*)(DIR*)> listing(opened, ::closedir);
         subfolders.clear();
-        while (const dirent* entry = ::readdir(listing)) {
+        while (const dirent* entry = ::readdir(listing.get())) {
           const std::string_view name = entry->d_name;
           if (isExcludedName(name)) continue;
           if (name.front() == '.') continue; // hidden, and "." and ".."
@@ -82,7 +84,6 @@ std::optional<std::vector<SizeGroup>> FileIndex::sharedSizes(const std::string& 
           found.push_back(IndexedFile{joined(folder, name), size, modificationDateOf(info), info.st_dev, info.st_ino});
           if (onIndexed) onIndexed(found.size());
         }
-        ::closedir(listing);
         // Reversed, so that the first sub-folder listed is read next.
         for (auto it = subfolders.rbegin(); it != subfolders.rend(); ++it) pending.push_back(joined(folder, *it));
       } else {
