@@ -102,14 +102,15 @@ void printGroupsJson(std::ostream& out, const std::vector<DuplicateGroup>& group
   }
   out << "[\n";
   for (std::size_t i = 0; i < groups.size(); ++i) {
-    std::string text = core::toJsonText(nlohmann::json(groups[i]));
+    const std::string text = core::toJsonText(nlohmann::json(groups[i]));
     // JSON strings hold no raw newline, so every newline here is layout.
-    std::string indented = "  ";
-    for (const char c : text) {
-      indented.push_back(c);
-      if (c == '\n') indented += "  ";
+    std::string_view rest = text;
+    out << "  ";
+    for (auto newline = rest.find('\n'); newline != std::string_view::npos; newline = rest.find('\n')) {
+      out << rest.substr(0, newline + 1) << "  ";
+      rest.remove_prefix(newline + 1);
     }
-    out << indented << (i + 1 < groups.size() ? ",\n" : "\n");
+    out << rest << (i + 1 < groups.size() ? ",\n" : "\n");
   }
   out << "]\n";
 }
