@@ -1,6 +1,7 @@
 #include "shredder/ShredderService.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -177,6 +178,18 @@ int renameNoReplace(const std::string& from, const std::string& to) {
   return ::rename(from.c_str(), to.c_str());
 }
 
+/// The nonce of chunk `index` of a file: four zero bytes, then the index as a big-endian
+/// 64-bit number. Unique per chunk under the file's own key.
+std::array<unsigned char, 12> chunkNonce(std::uint64_t index) {
+  std::array<unsigned char, 12> nonce{};
+  for (int i = 0; i < 8; ++i) nonce[static_cast<std::size_t>(11 - i)] = static_cast<unsigned char>(index >> (8 * i));
+  return nonce;
+}
+
+struct BufferWipe {
+  void operator()(std::vector<unsigned char>* buffer) const { OPENSSL_cleanse(buffer->data(), buffer->size()); }
+};
+
 struct CipherContextFree {
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
 };
@@ -249,12 +262,6 @@ void walkFolder(int fd, const std::string& path, dev_t device, std::vector<Shred
 
 ShredderService::ShredderService(platform::Platform platform, std::shared_ptr<FileLayer> files)
     : platform_(std::move(platform)), files_(files ? std::move(files) : std::make_shared<FileLayer>()) {}
-
-std::array<unsigned char, 12> ShredderService::chunkNonce(std::uint64_t index) {
-  std::array<unsigned char, 12> nonce{};
-  for (int i = 0; i < 8; ++i) nonce[static_cast<std::size_t>(11 - i)] = static_cast<unsigned char>(index >> (8 * i));
-  return nonce;
-}
 
 std::string ShredderService::fallbackShellLine(const std::string& path, int passes) {
   const std::string quoted = platform::shellQuote(path);
@@ -415,10 +422,11 @@ ShredderService::Outcome ShredderService::shredSingleFile(const std::string& pat
   // and one that shrank is not extended.
   const auto size = static_cast<std::int64_t>(opened.st_size);
   if (size > 0) {
+    // The buffer holds plain text between a read and its seal: wiped however the stage ends.
     std::vector<unsigned char> chunk(static_cast<std::size_t>(std::min(size, kChunkSize)));
+    const std::unique_ptr<std::vector<unsigned char>, BufferWipe> wipe(&chunk);
     encryptInPlace(fd.get(), path, size, chunk, onStageProgress);
     overwrite(fd.get(), size, passes, chunk, onStageProgress);
-    OPENSSL_cleanse(chunk.data(), chunk.size());
   }
   if (files_->truncate(fd.get(), 0) != 0) throwErrno("truncate");
   syncOrThrow(*files_, fd.get());
@@ -438,7 +446,7 @@ void ShredderService::encryptInPlace(int fd, const std::string& path, std::int64
     const bool keyed = RAND_bytes(key.data(), static_cast<int>(key.size())) == 1 &&
                        EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nullptr) == 1;
     OPENSSL_cleanse(key.data(), key.size());
-    if (!keyed) throw ShredderError(ShredderError::Kind::cannotOpenFile, path);
+    if (!keyed) throw std::runtime_error("no key for " + path);
   }
 
   std::int64_t offset = 0;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -54,10 +53,6 @@ public:
   /// descriptor is left as it is and added to `refused` when given.
   ShredResult shredFiles(const std::vector<ShredderFile>& files, int passes, const ProgressCallback& onProgress,
                          std::vector<ShredderRefusal>* refused = nullptr) const;
-
-  /// The nonce of chunk `index` of a file: four zero bytes, then the index as a big-endian
-  /// 64-bit number. Unique per chunk under the file's own key.
-  static std::array<unsigned char, 12> chunkNonce(std::uint64_t index);
 
   /// The privileged shell line for one file that the unprivileged path could not destroy.
   /// It re-checks that the path is a regular file with one name, never a link, before it

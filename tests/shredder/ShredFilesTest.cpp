@@ -346,12 +346,5 @@ TEST_F(SwapTest, FileReplacedAfterListingIsRefusedAndWhatReplacedItIsUntouched) 
   EXPECT_TRUE(layer_->writes.empty());
 }
 
-TEST(ChunkNonceTest, FourZeroBytesThenTheIndexBigEndian) {
-  using Nonce = std::array<unsigned char, 12>;
-  EXPECT_EQ(ShredderService::chunkNonce(0), Nonce{});
-  EXPECT_EQ(ShredderService::chunkNonce(2), (Nonce{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2}));
-  EXPECT_EQ(ShredderService::chunkNonce(0x0102030405060708), (Nonce{0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8}));
-}
-
 } // namespace
 } // namespace halcyra::shredder::testing
