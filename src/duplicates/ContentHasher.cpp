@@ -220,7 +220,17 @@ public:
           if (settled > reported) {
             lock.unlock();
             // Progress is reported from this thread only, never from a worker.
-            if (onSettled) onSettled(settled);
+            try {
+              if (onSettled) onSettled(settled);
+            } catch (...) {
+              // The workers are stopped and joined before the callback's error goes on.
+              lock.lock();
+              aborted_ = true;
+              if (!error_) error_ = std::current_exception();
+              workAvailable_.notify_all();
+              settledChanged_.wait(lock, [&] { return finished_ == workers.size(); });
+              break;
+            }
             reported = settled;
             lock.lock();
           }
@@ -251,7 +261,7 @@ private:
             return aborted_ || !compares_.empty() || nextProbe_ < probes_.size() || running_ == 0;
           });
           if (aborted_) break;
-          // Whole reads first: they settle files, and their groups can be let go.
+          // Comparisons first: they settle files, and their groups can be let go.
           if (!compares_.empty()) {
             compare = std::move(compares_.front());
             compares_.pop_front();

@@ -162,6 +162,16 @@ TEST_F(DuplicateScanTest, HashingProgressCountsFilesRuledOutWithoutAFullRead) {
                                  "Hashing file 100/120…", "Found 0 duplicate groups"));
 }
 
+TEST_F(DuplicateScanTest, AnErrorThrownByTheProgressCallbackEndsTheScanWithThatError) {
+  for (int i = 0; i < 200; ++i) dir.file("f" + std::to_string(i), std::string(9000, static_cast<char>(i)));
+  const auto scanning = [&] {
+    service().scan(dir.path(), 4096, [](const std::string& text) {
+      if (text.rfind("Hashing file 50/", 0) == 0) throw std::runtime_error("stop");
+    });
+  };
+  EXPECT_THROW(scanning(), std::runtime_error);
+}
+
 TEST_F(DuplicateScanTest, AFolderThatCannotBeReadGivesNoGroupsAndNoError) {
   EXPECT_THAT(scan(4096, dir / "missing"), IsEmpty());
   EXPECT_THAT(texts, ElementsAre("Indexing files…"));
