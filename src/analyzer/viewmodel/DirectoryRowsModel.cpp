@@ -40,6 +40,7 @@ QVariant DirectoryRowsModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || index.row() < 0 || static_cast<std::size_t>(index.row()) >= nodes_.size()) return {};
   const DirectoryNode& node = *nodes_[static_cast<std::size_t>(index.row())];
   switch (role) {
+  case IdRole: return QString::fromStdString(node.id);
   case NameRole: return QString::fromStdString(node.name);
   case PathRole: return QString::fromStdString(node.path);
   case SizeTextRole: return QString::fromStdString(core::ByteFormatter::format(node.size));
@@ -54,7 +55,8 @@ QVariant DirectoryRowsModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> DirectoryRowsModel::roleNames() const {
-  return {{NameRole, "name"},
+  return {{IdRole, "nodeId"},
+          {NameRole, "name"},
           {PathRole, "path"},
           {SizeTextRole, "sizeText"},
           {ShareRole, "share"},

@@ -20,7 +20,8 @@ class DirectoryRowsModel : public QAbstractListModel {
 
 public:
   enum Role {
-    NameRole = Qt::UserRole + 1,
+    IdRole = Qt::UserRole + 1, ///< how screens name the node back to the view model
+    NameRole,
     PathRole,
     SizeTextRole,
     ShareRole,     ///< percentage of the parent, unrounded

@@ -213,6 +213,10 @@ void DiskAnalyzerViewModel::confirmDelete(app::AppState&, app::DebugLogger& logg
       fail(QStringLiteral("it is no longer a folder"));
       continue;
     }
+    if (!workspace_) {
+      fail(QStringLiteral("this system offers no Trash"));
+      continue;
+    }
     const platform::TrashOutcome outcome = workspace_->moveToTrash(path);
     if (!outcome.succeeded()) {
       fail(text(outcome.message));
@@ -301,7 +305,7 @@ void DiskAnalyzerViewModel::revealInFileManager(const QString& fileId, app::Debu
   const std::string id = fileId.toStdString();
   const auto entry = std::find_if(scanResult_->largestFiles.begin(), scanResult_->largestFiles.end(),
                                   [&](const LargestFileEntry& file) { return file.id == id; });
-  if (entry == scanResult_->largestFiles.end()) return;
+  if (entry == scanResult_->largestFiles.end() || !workspace_) return;
   QPointer<app::DebugLogger> log(logger);
   app::runInBackground<bool>(
       this, [workspace = workspace_, path = entry->path] { return workspace->revealInFileManager(path); },
@@ -348,6 +352,10 @@ QVariantList DiskAnalyzerViewModel::treemapCells(double width, double height) co
 void DiskAnalyzerViewModel::scan(const QString& directory, app::ServiceHandle* service, app::DebugLogger* logger) {
   auto engine = service ? service->get<DiskAnalyzerServiceProtocol>() : nullptr;
   if (engine && logger && !directory.isEmpty()) scan(directory, std::move(engine), *logger);
+}
+
+void DiskAnalyzerViewModel::scanFolder(const QUrl& folder, app::ServiceHandle* service, app::DebugLogger* logger) {
+  if (folder.isLocalFile()) scan(folder.toLocalFile(), service, logger);
 }
 
 void DiskAnalyzerViewModel::rescan(app::ServiceHandle* service, app::DebugLogger* logger) {

@@ -10,6 +10,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QUrl>
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -127,6 +128,9 @@ public:
   // The same operations as the screens call them, with the shared objects they hold.
   Q_INVOKABLE void scan(const QString& directory, halcyra::app::ServiceHandle* service,
                         halcyra::app::DebugLogger* logger);
+  /// The folder of the "Choose Folder" dialog, which names it as a link.
+  Q_INVOKABLE void scanFolder(const QUrl& folder, halcyra::app::ServiceHandle* service,
+                              halcyra::app::DebugLogger* logger);
   Q_INVOKABLE void rescan(halcyra::app::ServiceHandle* service, halcyra::app::DebugLogger* logger);
   Q_INVOKABLE void confirmDelete(halcyra::app::AppState* appState, halcyra::app::DebugLogger* logger);
 
