@@ -33,7 +33,13 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
                                                 options.hasAccessPermission.value_or(systemHasAccessPermission()),
                                                 this)),
       debugLogger_(new DebugLogger(this)),
+      diskAnalyzerService_(options.diskAnalyzerService ? std::move(options.diskAnalyzerService)
+                                                       : std::make_shared<analyzer::NativeDiskAnalyzerService>()),
+      diskAnalyzerViewModel_(new analyzer::DiskAnalyzerViewModel(
+          platform::Platform::forSystem().workspace, QString::fromStdString(platform::SystemPaths::current().home()),
+          this)),
       cleanServiceHandle_(ServiceHandle::wrap<clean::CleanServiceProtocol>(cleanService_, this)),
+      diskAnalyzerServiceHandle_(ServiceHandle::wrap<analyzer::DiskAnalyzerServiceProtocol>(diskAnalyzerService_, this)),
       navigation_(new NavigationModel(QString::fromLatin1(kQmlRoot), this)),
       appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {}
 
@@ -44,6 +50,10 @@ void HalcyraApp::exposeTo(QQmlEngine& engine) {
   qmlRegisterSingletonInstance(uri, 1, 0, "AppState", appState_);
   qmlRegisterSingletonInstance(uri, 1, 0, "NativeCleanService", cleanServiceHandle_);
   qmlRegisterSingletonInstance(uri, 1, 0, "CleanViewModel", cleanViewModel_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "DiskAnalyzerService", diskAnalyzerServiceHandle_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "DiskAnalyzerViewModel", diskAnalyzerViewModel_);
+  qmlRegisterUncreatableType<analyzer::DirectoryRowsModel>(uri, 1, 0, "DirectoryRowsModel",
+                                                           QStringLiteral("owned by DiskAnalyzerViewModel"));
   qmlRegisterSingletonInstance(uri, 1, 0, "DebugLogger", debugLogger_);
   qmlRegisterSingletonInstance(uri, 1, 0, "Navigation", navigation_);
   qmlRegisterSingletonInstance(uri, 1, 0, "AppInfo", appInfo_);

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QSettings>
 
+#include "analyzer/viewmodel/DiskAnalyzerServiceProtocol.h"
+#include "analyzer/viewmodel/DiskAnalyzerViewModel.h"
 #include "app/AppInfo.h"
 #include "app/AppState.h"
 #include "app/DebugLogger.h"
@@ -35,6 +37,7 @@ public:
     std::unique_ptr<QSettings> defaults;
     std::shared_ptr<clean::CleanServiceProtocol> cleanService;
     std::optional<bool> hasAccessPermission;
+    std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService;
   };
 
   explicit HalcyraApp(Options options = {}, QObject* parent = nullptr);
@@ -47,6 +50,7 @@ public:
   AppState& appState() { return *appState_; }
   clean::CleanViewModel& cleanViewModel() { return *cleanViewModel_; }
   DebugLogger& debugLogger() { return *debugLogger_; }
+  analyzer::DiskAnalyzerViewModel& diskAnalyzerViewModel() { return *diskAnalyzerViewModel_; }
 
   /// Where the QML module's files lie among the resources.
   static constexpr const char* kQmlRoot = ":/Halcyra/";
@@ -57,7 +61,10 @@ private:
   std::shared_ptr<clean::CleanServiceProtocol> cleanService_;
   clean::CleanViewModel* cleanViewModel_;
   DebugLogger* debugLogger_;
+  std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService_;
+  analyzer::DiskAnalyzerViewModel* diskAnalyzerViewModel_;
   ServiceHandle* cleanServiceHandle_;
+  ServiceHandle* diskAnalyzerServiceHandle_;
   NavigationModel* navigation_;
   AppInfo* appInfo_;
 };

@@ -22,6 +22,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include "AnalyzerShots.h"
 #include "ScriptedCleanService.h"
 #include "app/HalcyraApp.h"
 #include "core/Uuid.h"
@@ -150,6 +151,8 @@ int main(int argc, char* argv[]) {
   options.defaults = std::make_unique<QSettings>(settingsDir.filePath(QStringLiteral("defaults.ini")), QSettings::IniFormat);
   options.cleanService = service;
   options.hasAccessPermission = true;
+  auto diskAnalyzerService = halcyra::app::scriptedDiskAnalyzer();
+  options.diskAnalyzerService = diskAnalyzerService;
   halcyra::app::HalcyraApp app(std::move(options));
 
   QQmlApplicationEngine engine;
@@ -227,6 +230,9 @@ int main(int argc, char* argv[]) {
   shot(QStringLiteral("clean-8-error"));
   cleaner.reset();
   shot(QStringLiteral("clean-1-idle"));
+
+  halcyra::app::shootDiskAnalyzer(app, *diskAnalyzerService, shot, waitFor,
+                                  [](const QString& problem) { problems.append(problem); });
 
   // A tool that is not part of this build, settings, about and the notices.
   state.setSelectedNavItem(halcyra::app::NavigationItem::duplicates);

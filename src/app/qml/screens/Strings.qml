@@ -47,6 +47,22 @@ QtObject {
     readonly property QtObject about: QtObject {
         readonly property string appDescription: qsTr("A native macOS utility for keeping your Mac clean and running smoothly.")
     }
+    readonly property QtObject diskAnalyzer: QtObject {
+        readonly property string title: qsTr("Disk Analyzer")
+        readonly property string subtitle: qsTr("Visualize disk usage by folder")
+        readonly property string description: qsTr("Understand what's taking up space on your disk with an interactive treemap visualization.")
+        readonly property string scanning: qsTr("Analyzing disk usage…")
+        readonly property string scanSubtitle: qsTr("Calculating folder sizes. This may take a moment for large directories.")
+        readonly property string revealInFinder: qsTr("Reveal in Finder")
+        readonly property string rescan: qsTr("Rescan")
+        readonly property string back: qsTr("Back")
+        readonly property string files: qsTr("files")
+        readonly property string folders: qsTr("folders")
+        readonly property string remove: qsTr("Remove")
+        readonly property string confirmDeleteTitle: qsTr("Remove Selected Items?")
+        readonly property string confirmDeleteMessage: qsTr("The selected files and folders will be moved to Trash. This action cannot be undone.")
+        readonly property string selectedItems: qsTr("selected")
+    }
     readonly property QtObject components: QtObject {
         readonly property string retry: qsTr("Retry")
         readonly property string cancel: qsTr("Cancel")
