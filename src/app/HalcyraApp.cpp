@@ -6,6 +6,7 @@
 #include "app/SettingsViewModel.h"
 #include "app/SymbolImageProvider.h"
 #include "clean/NativeCleanService.h"
+#include "duplicates/viewmodel/NativeDuplicateService.h"
 #include "platform/FullDiskAccessChecker.h"
 #include "platform/Platform.h"
 
@@ -32,6 +33,10 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
       cleanViewModel_(new clean::CleanViewModel(platform::FullDiskAccessChecker(platform::SystemPaths::current()),
                                                 options.hasAccessPermission.value_or(systemHasAccessPermission()),
                                                 this)),
+      duplicateService_(options.duplicateService
+                            ? std::move(options.duplicateService)
+                            : std::make_shared<duplicates::NativeDuplicateService>(platform::Platform::forSystem())),
+      duplicatesViewModel_(new duplicates::DuplicatesViewModel(platform::SystemPaths::current(), this)),
       debugLogger_(new DebugLogger(this)),
       diskAnalyzerService_(options.diskAnalyzerService ? std::move(options.diskAnalyzerService)
                                                        : std::make_shared<analyzer::NativeDiskAnalyzerService>()),
@@ -39,6 +44,7 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
           platform::Platform::forSystem().workspace, QString::fromStdString(platform::SystemPaths::current().home()),
           this)),
       cleanServiceHandle_(ServiceHandle::wrap<clean::CleanServiceProtocol>(cleanService_, this)),
+      duplicateServiceHandle_(ServiceHandle::wrap<duplicates::DuplicateServiceProtocol>(duplicateService_, this)),
       diskAnalyzerServiceHandle_(ServiceHandle::wrap<analyzer::DiskAnalyzerServiceProtocol>(diskAnalyzerService_, this)),
       navigation_(new NavigationModel(QString::fromLatin1(kQmlRoot), this)),
       appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {}
@@ -54,6 +60,12 @@ void HalcyraApp::exposeTo(QQmlEngine& engine) {
   qmlRegisterSingletonInstance(uri, 1, 0, "DiskAnalyzerViewModel", diskAnalyzerViewModel_);
   qmlRegisterUncreatableType<analyzer::DirectoryRowsModel>(uri, 1, 0, "DirectoryRowsModel",
                                                            QStringLiteral("owned by DiskAnalyzerViewModel"));
+  qmlRegisterSingletonInstance(uri, 1, 0, "DuplicateFileService", duplicateServiceHandle_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "DuplicatesViewModel", duplicatesViewModel_);
+  qmlRegisterUncreatableType<duplicates::DuplicateGroupsModel>(uri, 1, 0, "DuplicateGroupsModel",
+                                                               QStringLiteral("owned by DuplicatesViewModel"));
+  qmlRegisterUncreatableType<duplicates::DuplicateFilesModel>(uri, 1, 0, "DuplicateFilesModel",
+                                                              QStringLiteral("owned by DuplicatesViewModel"));
   qmlRegisterSingletonInstance(uri, 1, 0, "DebugLogger", debugLogger_);
   qmlRegisterSingletonInstance(uri, 1, 0, "Navigation", navigation_);
   qmlRegisterSingletonInstance(uri, 1, 0, "AppInfo", appInfo_);

@@ -15,6 +15,8 @@
 #include "app/ServiceHandle.h"
 #include "clean/CleanServiceProtocol.h"
 #include "clean/viewmodel/CleanViewModel.h"
+#include "duplicates/viewmodel/DuplicateServiceProtocol.h"
+#include "duplicates/viewmodel/DuplicatesViewModel.h"
 
 class QQmlEngine;
 
@@ -37,6 +39,7 @@ public:
     std::unique_ptr<QSettings> defaults;
     std::shared_ptr<clean::CleanServiceProtocol> cleanService;
     std::optional<bool> hasAccessPermission;
+    std::shared_ptr<duplicates::DuplicateServiceProtocol> duplicateService;
     std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService;
   };
 
@@ -49,6 +52,7 @@ public:
 
   AppState& appState() { return *appState_; }
   clean::CleanViewModel& cleanViewModel() { return *cleanViewModel_; }
+  duplicates::DuplicatesViewModel& duplicatesViewModel() { return *duplicatesViewModel_; }
   DebugLogger& debugLogger() { return *debugLogger_; }
   analyzer::DiskAnalyzerViewModel& diskAnalyzerViewModel() { return *diskAnalyzerViewModel_; }
 
@@ -60,10 +64,13 @@ private:
   AppState* appState_;
   std::shared_ptr<clean::CleanServiceProtocol> cleanService_;
   clean::CleanViewModel* cleanViewModel_;
+  std::shared_ptr<duplicates::DuplicateServiceProtocol> duplicateService_;
+  duplicates::DuplicatesViewModel* duplicatesViewModel_;
   DebugLogger* debugLogger_;
   std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService_;
   analyzer::DiskAnalyzerViewModel* diskAnalyzerViewModel_;
   ServiceHandle* cleanServiceHandle_;
+  ServiceHandle* duplicateServiceHandle_;
   ServiceHandle* diskAnalyzerServiceHandle_;
   NavigationModel* navigation_;
   AppInfo* appInfo_;

@@ -23,6 +23,7 @@
 #include <QTemporaryDir>
 
 #include "AnalyzerShots.h"
+#include "DuplicatesShots.h"
 #include "ScriptedCleanService.h"
 #include "app/HalcyraApp.h"
 #include "core/Uuid.h"
@@ -153,6 +154,8 @@ int main(int argc, char* argv[]) {
   options.hasAccessPermission = true;
   auto diskAnalyzerService = halcyra::app::scriptedDiskAnalyzer();
   options.diskAnalyzerService = diskAnalyzerService;
+  auto duplicateService = halcyra::app::scriptedDuplicates();
+  options.duplicateService = duplicateService;
   halcyra::app::HalcyraApp app(std::move(options));
 
   QQmlApplicationEngine engine;
@@ -234,8 +237,11 @@ int main(int argc, char* argv[]) {
   halcyra::app::shootDiskAnalyzer(app, *diskAnalyzerService, shot, waitFor,
                                   [](const QString& problem) { problems.append(problem); });
 
+  halcyra::app::shootDuplicates(app, *duplicateService,
+                                {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
+
   // A tool that is not part of this build, settings, about and the notices.
-  state.setSelectedNavItem(halcyra::app::NavigationItem::duplicates);
+  state.setSelectedNavItem(halcyra::app::NavigationItem::startupItems);
   shot(QStringLiteral("placeholder"));
   state.setSelectedNavItem(halcyra::app::NavigationItem::settings);
   shot(QStringLiteral("settings"));

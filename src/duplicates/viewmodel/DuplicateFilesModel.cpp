@@ -112,7 +112,9 @@ QHash<int, QByteArray> DuplicateFilesModel::roleNames() const {
 QString DuplicateFilesModel::dateText(FileDate date) {
   const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(date.time_since_epoch()).count();
   const QDateTime local = QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC).toLocalTime();
-  const QLocale locale;
+  // Without a language of its own (the "C" locale of a bare session) the texts are English.
+  QLocale locale;
+  if (locale.language() == QLocale::C) locale = QLocale(QLocale::English, QLocale::UnitedStates);
   return locale.toString(local.date(), QStringLiteral("MMM d, yyyy")) + QStringLiteral(" at ") +
          locale.toString(local.time(), QLocale::ShortFormat);
 }

@@ -39,6 +39,20 @@ QtObject {
         readonly property string confirmMessage: qsTr("This will permanently delete the selected files. This action cannot be undone.")
         readonly property string confirmButton: qsTr("Clean Now")
     }
+    readonly property QtObject duplicates: QtObject {
+        readonly property string title: qsTr("Find Duplicates")
+        readonly property string subtitle: qsTr("Find and remove duplicate files")
+        readonly property string scanning: qsTr("Scanning for duplicates…")
+        readonly property string scanSubtitle: qsTr("Comparing file contents to find exact duplicates.")
+        readonly property string noDuplicates: qsTr("No duplicate files found. Your files are unique!")
+        readonly property string deleteSelected: qsTr("Delete Selected")
+        readonly property string keepNewest: qsTr("Keep Newest")
+        readonly property string keepOldest: qsTr("Keep Oldest")
+        readonly property string summaryTitle: qsTr("Duplicates Cleaned!")
+        readonly property string confirmTitle: qsTr("Confirm Deletion")
+        readonly property string confirmMessage: qsTr("This will permanently delete the selected duplicate files. This action cannot be undone.")
+        readonly property string confirmButton: qsTr("Delete Now")
+    }
     readonly property QtObject settings: QtObject {
         readonly property string title: qsTr("Settings")
         readonly property string about: qsTr("About")
