@@ -13,6 +13,7 @@
 #include "QtPrinting.h"
 #include "core/CleanError.h"
 #include "duplicates/viewmodel/DuplicatesViewModel.h"
+#include "duplicates/viewmodel/NativeDuplicateService.h"
 #include "support/TempDir.h"
 
 using halcyra::app::AppState;
@@ -349,4 +350,34 @@ TEST_F(DuplicatesViewModelTest, QuickScanFoldersLieInTheHome) {
   for (int i = 0; i < 5; ++i) EXPECT_EQ(targets[i].toMap().value("path").toString(), expected[i]);
   EXPECT_EQ(targets[0].toMap().value("label").toString(), "Home");
   EXPECT_EQ(targets[2].toMap().value("icon").toString(), "photo.on.rectangle");
+}
+
+TEST_F(DuplicatesViewModelTest, RealEngineDeletesTheMarkedCopiesAndKeepsTheOldest) {
+  const std::string content(8192, 'd');
+  const std::string oldest = home.file("data/a/photo.jpg", content);
+  const std::string newer = home.file("data/b/photo.jpg", content);
+  const std::string newest = home.file("data/c/photo copy.jpg", content);
+  const std::string unique = home.file("data/c/other.jpg", std::string(8192, 'u'));
+  halcyra::testing::TempDir::setAge(oldest, 3000);
+  halcyra::testing::TempDir::setAge(newer, 2000);
+  halcyra::testing::TempDir::setAge(newest, 1000);
+  auto engine = std::make_shared<halcyra::duplicates::NativeDuplicateService>(
+      halcyra::platform::Platform::forSystem(halcyra::platform::SystemPaths(home.path())));
+
+  viewModel.scan(home / "data", engine, logger);
+  waitFor(Phase::preview);
+  ASSERT_EQ(viewModel.groupCount(), 1);
+  EXPECT_EQ(viewModel.groups()[0].files[0].path, oldest);
+  // Keep the newest instead, then delete.
+  viewModel.applyStrategy(SelectionStrategy::keepNewest);
+  viewModel.requestConfirmation();
+  viewModel.confirmDelete(engine, state, logger);
+  waitFor(Phase::summary);
+
+  EXPECT_EQ(viewModel.filesDeleted(), 2);
+  EXPECT_EQ(viewModel.freedText(), "16 KB");
+  EXPECT_FALSE(halcyra::testing::existsNoFollow(oldest));
+  EXPECT_FALSE(halcyra::testing::existsNoFollow(newer));
+  EXPECT_TRUE(halcyra::testing::existsNoFollow(newest));
+  EXPECT_TRUE(halcyra::testing::existsNoFollow(unique));
 }
