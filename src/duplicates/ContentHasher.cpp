@@ -27,9 +27,12 @@ namespace {
 // first file's block and the other the block it is compared with.
 constexpr std::size_t kBufferSize = std::size_t{256} << 10;
 constexpr std::size_t kHalf = kBufferSize / 2;
-constexpr std::int64_t kEdgeBlock = 4096;
-// Up to two edge blocks, reading the whole file costs what the probe would.
-constexpr std::int64_t kWholeReadLimit = 2 * kEdgeBlock;
+// The probe reads this much at each end of a file: enough to tell most files of one size
+// apart, little enough that a file it settles costs hardly more than its open.
+constexpr std::int64_t kEdgeBlock = 1024;
+// Up to this size a file is digested whole at once: reading it costs about what a probe
+// and a later comparison would together.
+constexpr std::int64_t kWholeReadLimit = 8192;
 // Files a worker holds open at once while comparing; a larger run is compared in batches.
 constexpr std::size_t kMaxOpenFiles = 16;
 

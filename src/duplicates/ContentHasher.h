@@ -18,7 +18,7 @@ using Digest = std::array<unsigned char, 32>;
 /// Reading and digesting every candidate in full is what a scan costs, so this does less
 /// where it can without changing the answer:
 /// - each file is first probed. One of up to 8 KiB is read whole and digested at once; of a
-///   larger one, the first and last 4 KiB and its size make a key. A file whose key no other
+///   larger one, the first and last 1 KiB and its size make a key. A file whose key no other
 ///   member of its group shares cannot have the digest of any other member, and is never read
 ///   in full;
 /// - files that share a key are read side by side, block by block, and only the first of

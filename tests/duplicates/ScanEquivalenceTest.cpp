@@ -2,12 +2,27 @@
 #include <random>
 #include <unistd.h>
 
+#include <openssl/evp.h>
+
 #include "DuplicatesFixture.h"
 
 namespace halcyra::testing {
 namespace {
 
 using ScanEquivalenceTest = DuplicatesFixture;
+
+std::string sha256Prefix(const std::string& content) {
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  EVP_Digest(content.data(), content.size(), digest, &length, EVP_sha256(), nullptr);
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (unsigned int i = 0; i < 6; ++i) {
+    text.push_back(kDigits[digest[i] >> 4]);
+    text.push_back(kDigits[digest[i] & 0x0F]);
+  }
+  return text;
+}
 
 // The scan may rule files out before reading them whole and read hard links once; whatever
 // it does inside, its groups must be exactly the sets of files with equal bytes. Here the
@@ -21,9 +36,10 @@ TEST_F(ScanEquivalenceTest, GroupsAreExactlyTheFilesWithEqualContent) {
   for (const std::size_t size : sizes) {
     std::string base(size, '\0');
     for (auto& byte : base) byte = static_cast<char>(random());
-    const std::vector<std::size_t> flipAt{0, size / 2, size - 1, std::min<std::size_t>(4095, size - 1),
-                                          std::min<std::size_t>(4096, size - 1), size > 4097 ? size - 4097 : 0,
-                                          size > 4096 ? size - 4096 : 0};
+    const auto clamp = [&](std::size_t at) { return std::min(at, size - 1); };
+    const auto fromEnd = [&](std::size_t back) { return size > back ? size - back : 0; };
+    const std::vector<std::size_t> flipAt{0,          size / 2,      size - 1,      clamp(1023),   clamp(1024),
+                                          clamp(4096), fromEnd(1024), fromEnd(1025), fromEnd(4096)};
     // One size with more files than are compared at once.
     const int copies = size == 70000 ? 40 : 12;
     for (int copy = 0; copy < copies; ++copy) {
@@ -45,7 +61,14 @@ TEST_F(ScanEquivalenceTest, GroupsAreExactlyTheFilesWithEqualContent) {
     if (paths.size() >= 2) expected.insert(std::set<std::string>(paths.begin(), paths.end()));
   }
   ASSERT_FALSE(expected.empty());
-  EXPECT_EQ(pathSets(scan(1)), expected);
+  const auto groups = scan(1);
+  EXPECT_EQ(pathSets(groups), expected);
+  // Each group's hash is that of its own bytes, however the files were compared.
+  for (const auto& group : groups) {
+    const std::string content = readFile(group.files.front().path);
+    EXPECT_EQ(group.fileHash, sha256Prefix(content)) << group.files.front().path;
+    EXPECT_EQ(group.fileSize, static_cast<std::int64_t>(content.size()));
+  }
 }
 
 } // namespace
