@@ -75,6 +75,18 @@ void shootDuplicates(HalcyraApp& app, ScriptedDuplicateService& service, const S
   state.setSelectedNavItem(NavigationItem::duplicates);
   tools.shot(QStringLiteral("duplicates-1-idle"));
 
+  // "Choose Folder" opens the folder dialog; cancelling it leaves the page as it was. No
+  // picture: the dialog lists the real home of whoever renders.
+  if (QObject* dialog = tools.find("duplicatesFolderDialog")) {
+    QMetaObject::invokeMethod(dialog, "open");
+    tools.waitFor([&] { return dialog->property("visible").toBool(); });
+    QMetaObject::invokeMethod(dialog, "reject");
+    tools.waitFor([&] { return !dialog->property("visible").toBool(); });
+    if (viewModel.phase() != DuplicatesViewModel::Phase::idle) tools.fail(QStringLiteral("duplicates: cancelling the dialog scanned"));
+  } else {
+    tools.fail(QStringLiteral("duplicates: no folder dialog"));
+  }
+
   // A folder without duplicates brings the idle page back with its message.
   service.setGroups({});
   viewModel.scan("/Users/sam/Music", engine, logger);

@@ -67,7 +67,8 @@ QVariantList DuplicatesViewModel::folderTargets() const {
   const auto target = [](const char* icon, const QString& label, const std::string& path) {
     return QVariantMap{{QStringLiteral("icon"), QString::fromLatin1(icon)},
                        {QStringLiteral("label"), label},
-                       {QStringLiteral("path"), pathText(path)}};
+                       {QStringLiteral("path"), pathText(path)},
+                       {QStringLiteral("url"), QUrl::fromLocalFile(pathText(path))}};
   };
   return {target("house.fill", tr("Home"), paths_.home()), target("music.note", tr("Music"), paths_.inHome("Music")),
           target("photo.on.rectangle", tr("Pictures"), paths_.inHome("Pictures")),

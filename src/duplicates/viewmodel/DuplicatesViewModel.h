@@ -76,8 +76,8 @@ public:
   int totalSelectedCount() const;
   QString totalWastedText() const;
 
-  /// The quick-scan folders: icon, label and path of the home, Music, Pictures, Downloads
-  /// and Documents.
+  /// The quick-scan folders: icon, label, path and file URL of the home, Music, Pictures,
+  /// Downloads and Documents.
   QVariantList folderTargets() const;
 
   // Operations. Each takes what it works with, so nothing is wired at creation.

@@ -132,8 +132,10 @@ Item {
 
     FolderDialog {
         id: folderDialog
+        objectName: "duplicatesFolderDialog"
         title: qsTr("Choose a folder to scan for duplicates")
         acceptLabel: qsTr("Scan")
+        currentFolder: view.folderTargets.length > 0 ? view.folderTargets[0].url : ""
         onAccepted: view.scanFolder(folderDialog.selectedFolder)
     }
 }
