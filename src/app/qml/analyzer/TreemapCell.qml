@@ -26,30 +26,34 @@ Item {
         border.color: Theme.withAlpha(cell.layout.color, cell.cellStyle.borderOpacity)
     }
 
-    Column {
-        visible: cell.layout.showsLabel
+    // Folders can have thousands of sub-folders, most too small for a label: only cells that
+    // show one make its texts.
+    Loader {
+        active: cell.layout.showsLabel
         anchors.centerIn: parent
         width: Math.max(parent.width - 2 * cell.cellStyle.labelPadding, 0)
-        spacing: cell.cellStyle.labelSpacing
-        Text {
-            width: parent.width
-            text: cell.layout.name
-            color: "white"
-            font.pixelSize: Math.max(Math.round(cell.layout.nameFontSize), 1)
-            font.weight: Font.Medium
-            horizontalAlignment: Text.AlignHCenter
-            elide: Text.ElideRight
-        }
-        Text {
-            width: parent.width
-            visible: cell.layout.showsSizeLine
-            text: cell.layout.sizeText
-            color: "white"
-            opacity: cell.cellStyle.sizeLineOpacity
-            font.family: "monospace"
-            font.pixelSize: Math.max(Math.round(cell.layout.sizeFontSize), 1)
-            horizontalAlignment: Text.AlignHCenter
-            elide: Text.ElideRight
+        sourceComponent: Column {
+            spacing: cell.cellStyle.labelSpacing
+            Text {
+                width: parent.width
+                text: cell.layout.name
+                color: "white"
+                font.pixelSize: Math.max(Math.round(cell.layout.nameFontSize), 1)
+                font.weight: Font.Medium
+                horizontalAlignment: Text.AlignHCenter
+                elide: Text.ElideRight
+            }
+            Text {
+                width: parent.width
+                visible: cell.layout.showsSizeLine
+                text: cell.layout.sizeText
+                color: "white"
+                opacity: cell.cellStyle.sizeLineOpacity
+                font.family: "monospace"
+                font.pixelSize: Math.max(Math.round(cell.layout.sizeFontSize), 1)
+                horizontalAlignment: Text.AlignHCenter
+                elide: Text.ElideRight
+            }
         }
     }
 
