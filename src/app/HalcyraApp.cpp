@@ -9,6 +9,7 @@
 #include "duplicates/viewmodel/NativeDuplicateService.h"
 #include "platform/FullDiskAccessChecker.h"
 #include "platform/Platform.h"
+#include "shredder/viewmodel/NativeShredderService.h"
 
 namespace halcyra::app {
 namespace {
@@ -37,6 +38,10 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
                             ? std::move(options.duplicateService)
                             : std::make_shared<duplicates::NativeDuplicateService>(platform::Platform::forSystem())),
       duplicatesViewModel_(new duplicates::DuplicatesViewModel(platform::SystemPaths::current(), this)),
+      shredderService_(options.shredderService
+                           ? std::move(options.shredderService)
+                           : std::make_shared<shredder::NativeShredderService>(platform::Platform::forSystem())),
+      shredderViewModel_(new shredder::ShredderViewModel(this)),
       debugLogger_(new DebugLogger(this)),
       diskAnalyzerService_(options.diskAnalyzerService ? std::move(options.diskAnalyzerService)
                                                        : std::make_shared<analyzer::NativeDiskAnalyzerService>()),
@@ -46,6 +51,7 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
       cleanServiceHandle_(ServiceHandle::wrap<clean::CleanServiceProtocol>(cleanService_, this)),
       duplicateServiceHandle_(ServiceHandle::wrap<duplicates::DuplicateServiceProtocol>(duplicateService_, this)),
       diskAnalyzerServiceHandle_(ServiceHandle::wrap<analyzer::DiskAnalyzerServiceProtocol>(diskAnalyzerService_, this)),
+      shredderServiceHandle_(ServiceHandle::wrap<shredder::ShredderServiceProtocol>(shredderService_, this)),
       navigation_(new NavigationModel(QString::fromLatin1(kQmlRoot), this)),
       appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {}
 
@@ -66,6 +72,10 @@ void HalcyraApp::exposeTo(QQmlEngine& engine) {
                                                                QStringLiteral("owned by DuplicatesViewModel"));
   qmlRegisterUncreatableType<duplicates::DuplicateFilesModel>(uri, 1, 0, "DuplicateFilesModel",
                                                               QStringLiteral("owned by DuplicatesViewModel"));
+  qmlRegisterSingletonInstance(uri, 1, 0, "ShredderService", shredderServiceHandle_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "ShredderViewModel", shredderViewModel_);
+  qmlRegisterUncreatableType<shredder::ShredderFilesModel>(uri, 1, 0, "ShredderFilesModel",
+                                                           QStringLiteral("owned by ShredderViewModel"));
   qmlRegisterSingletonInstance(uri, 1, 0, "DebugLogger", debugLogger_);
   qmlRegisterSingletonInstance(uri, 1, 0, "Navigation", navigation_);
   qmlRegisterSingletonInstance(uri, 1, 0, "AppInfo", appInfo_);

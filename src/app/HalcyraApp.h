@@ -17,6 +17,8 @@
 #include "clean/viewmodel/CleanViewModel.h"
 #include "duplicates/viewmodel/DuplicateServiceProtocol.h"
 #include "duplicates/viewmodel/DuplicatesViewModel.h"
+#include "shredder/viewmodel/ShredderServiceProtocol.h"
+#include "shredder/viewmodel/ShredderViewModel.h"
 
 class QQmlEngine;
 
@@ -41,6 +43,7 @@ public:
     std::optional<bool> hasAccessPermission;
     std::shared_ptr<duplicates::DuplicateServiceProtocol> duplicateService;
     std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService;
+    std::shared_ptr<shredder::ShredderServiceProtocol> shredderService;
   };
 
   explicit HalcyraApp(Options options = {}, QObject* parent = nullptr);
@@ -53,6 +56,7 @@ public:
   AppState& appState() { return *appState_; }
   clean::CleanViewModel& cleanViewModel() { return *cleanViewModel_; }
   duplicates::DuplicatesViewModel& duplicatesViewModel() { return *duplicatesViewModel_; }
+  shredder::ShredderViewModel& shredderViewModel() { return *shredderViewModel_; }
   DebugLogger& debugLogger() { return *debugLogger_; }
   analyzer::DiskAnalyzerViewModel& diskAnalyzerViewModel() { return *diskAnalyzerViewModel_; }
 
@@ -66,12 +70,15 @@ private:
   clean::CleanViewModel* cleanViewModel_;
   std::shared_ptr<duplicates::DuplicateServiceProtocol> duplicateService_;
   duplicates::DuplicatesViewModel* duplicatesViewModel_;
+  std::shared_ptr<shredder::ShredderServiceProtocol> shredderService_;
+  shredder::ShredderViewModel* shredderViewModel_;
   DebugLogger* debugLogger_;
   std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService_;
   analyzer::DiskAnalyzerViewModel* diskAnalyzerViewModel_;
   ServiceHandle* cleanServiceHandle_;
   ServiceHandle* duplicateServiceHandle_;
   ServiceHandle* diskAnalyzerServiceHandle_;
+  ServiceHandle* shredderServiceHandle_;
   NavigationModel* navigation_;
   AppInfo* appInfo_;
 };
