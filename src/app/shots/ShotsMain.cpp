@@ -25,6 +25,7 @@
 #include "AnalyzerShots.h"
 #include "DuplicatesShots.h"
 #include "ScriptedCleanService.h"
+#include "ShredderShots.h"
 #include "app/HalcyraApp.h"
 #include "core/Uuid.h"
 
@@ -156,6 +157,8 @@ int main(int argc, char* argv[]) {
   options.diskAnalyzerService = diskAnalyzerService;
   auto duplicateService = halcyra::app::scriptedDuplicates();
   options.duplicateService = duplicateService;
+  auto shredderService = halcyra::app::scriptedShredder();
+  options.shredderService = shredderService;
   halcyra::app::HalcyraApp app(std::move(options));
 
   QQmlApplicationEngine engine;
@@ -239,6 +242,8 @@ int main(int argc, char* argv[]) {
 
   halcyra::app::shootDuplicates(app, *duplicateService,
                                 {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
+  halcyra::app::shootShredder(app, *shredderService,
+                              {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
 
   // A tool that is not part of this build, settings, about and the notices.
   state.setSelectedNavItem(halcyra::app::NavigationItem::startupItems);

@@ -8,6 +8,7 @@ import Halcyra.Env
 // Files come in through the pickers or by dropping them anywhere on the idle page or the list.
 Item {
     id: shredderView
+    objectName: "shredderView"
     readonly property string phase: ShredderViewModel.phase
     readonly property string page: phase === "preview" || phase === "confirming" ? "list" : phase
     readonly property bool acceptsFiles: page === "idle" || page === "list"
@@ -146,11 +147,13 @@ Item {
 
     FileDialog {
         id: filePicker
+        objectName: "shredderFileDialog"
         fileMode: FileDialog.OpenFiles
         onAccepted: ShredderViewModel.addFiles(selectedFiles, ShredderService)
     }
     FolderDialog {
         id: folderPicker
+        objectName: "shredderFolderDialog"
         onAccepted: ShredderViewModel.addFiles([selectedFolder], ShredderService)
     }
 }
