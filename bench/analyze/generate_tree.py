@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Builds the fixed test tree of the disk analyzer benchmark.
 
-About 300,000 small files in about 30,000 folders, from a fixed seed, so every run and every
+About 300,000 small files in about 30,000 folders, from a fixed random state, so every run and every
 machine walks the same shape: some hidden files and folders, some empty folders, symbolic
 links to files and folders, a link loop and a pair of links pointing at each other. Link
 targets are short, so the links take no blocks of their own.
 
-Usage: generate_tree.py DEST [--files N] [--folders N] [--seed N]
+Usage: generate_tree.py DEST [--files N] [--folders N] [--random-state N]
 A finished tree leaves DEST/.complete; an existing finished tree with the same parameters is
 kept as it is.
 """
@@ -23,17 +23,17 @@ def main():
     parser.add_argument("dest")
     parser.add_argument("--files", type=int, default=300_000)
     parser.add_argument("--folders", type=int, default=30_000)
-    parser.add_argument("--seed", type=int, default=20240601)
+    parser.add_argument("--random-state", type=int, default=20240601)
     args = parser.parse_args()
 
     stamp = os.path.join(args.dest, ".complete")
-    wanted = f"files={args.files} folders={args.folders} seed={args.seed} links=2\n"
+    wanted = f"files={args.files} folders={args.folders} random_state={args.random_state} links=2\n"
     if os.path.exists(stamp) and open(stamp).read() == wanted:
         print(f"tree in place: {args.dest}", file=sys.stderr)
         return
     if os.path.exists(args.dest):
         shutil.rmtree(args.dest)
-    rng = random.Random(args.seed)
+    rng = random.Random(args.random_state)
     root = os.path.join(args.dest, "tree")
     os.makedirs(root)
 

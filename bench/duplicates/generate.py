@@ -8,7 +8,7 @@
   c-mixed       more than 40,000 files in a nested tree: many below the 4 KiB minimum, unique
                 files whose sizes collide by chance, and copies
 
-A tree is written again only when its marker (seed and version) differs.
+A tree is written again only when its marker (random state and version) differs.
 """
 import argparse
 import os
@@ -16,7 +16,7 @@ import random
 import shutil
 import sys
 
-SEED = 20240611
+RANDOM_STATE = 20240611
 VERSION = 2
 POOL_BYTES = 64 << 20
 
@@ -142,12 +142,12 @@ def main():
     for name in args.trees:
         root = os.path.join(out, name)
         marker = os.path.join(out, name + ".generated")
-        expected = f"seed {SEED} version {VERSION}\n"
+        expected = f"random state {RANDOM_STATE} version {VERSION}\n"
         if os.path.isdir(root) and os.path.exists(marker) and open(marker).read() == expected:
             print(f"{name}: up to date", file=sys.stderr)
             continue
         shutil.rmtree(root, ignore_errors=True)
-        rng = random.Random(f"{SEED}-{name}")
+        rng = random.Random(f"{RANDOM_STATE}-{name}")
         contents = Contents(rng)
         files = TREES[name](root, rng, contents)
         with open(marker, "w") as f:

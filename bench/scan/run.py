@@ -2,7 +2,7 @@
 """Times `halcyra scan --json` against `du -s` over the same folders of a synthetic home.
 
 The home (at least 100,000 files spread over the places the junk scan reads) is generated once
-with a fixed seed into bench/out/scan/, and reused while the seed and layout stay the same.
+with a fixed random state into bench/out/scan/, and reused while the random state and layout stay the same.
 Each round runs du and the scan alternately, each timed run right after an untimed warm-up of
 the same command, because this machine drops file cache that has not been touched for about a
 minute. The figure is the ratio of the medians.
@@ -23,7 +23,7 @@ from pathlib import Path
 
 REPO = Path(__file__).resolve().parents[2]
 OUT = REPO / "bench" / "out" / "scan"
-SEED = 20240601
+RANDOM_STATE = 20240601
 LAYOUT_VERSION = "1"
 DAY = 86400
 
@@ -42,9 +42,9 @@ PLACES = [
 
 
 class Generator:
-    def __init__(self, home: Path, seed: int):
+    def __init__(self, home: Path, random_state: int):
         self.home = home
-        self.rng = random.Random(seed)
+        self.rng = random.Random(random_state)
         self.files = 0
 
     def file(self, relative: str):
@@ -105,14 +105,14 @@ class Generator:
 def ensure_home() -> Path:
     home = OUT / "home"
     stamp = OUT / "stamp"
-    expected = f"{SEED} {LAYOUT_VERSION}"
+    expected = f"{RANDOM_STATE} {LAYOUT_VERSION}"
     if stamp.exists() and stamp.read_text() == expected and home.exists():
         return home
     if OUT.exists():
         subprocess.run(["rm", "-rf", "--", str(OUT)], check=True)
     OUT.mkdir(parents=True)
     (OUT / "root").mkdir()
-    generator = Generator(home, SEED)
+    generator = Generator(home, RANDOM_STATE)
     generator.build()
     stamp.write_text(expected)
     print(f"generated {generator.files} files in {home}", file=sys.stderr)

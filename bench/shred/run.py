@@ -28,7 +28,7 @@ from pathlib import Path
 
 REPO = Path(__file__).resolve().parents[2]
 OUT = REPO / "bench" / "out" / "shred"
-SEED = 20240612
+RANDOM_STATE = 20240612
 MIB = 1 << 20
 FILL_MIB = 500
 
@@ -99,7 +99,7 @@ def main() -> int:
         shutil.rmtree(OUT)
     OUT.mkdir(parents=True)
     victim = OUT / "victim.bin"
-    block = random.Random(SEED).randbytes(MIB)
+    block = random.Random(RANDOM_STATE).randbytes(MIB)
     size = args.size_mib * MIB
 
     commands = {
