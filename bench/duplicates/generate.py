@@ -22,7 +22,7 @@ POOL_BYTES = 64 << 20
 
 
 class Contents:
-    """Distinct contents as slices of one seeded random pool, each stamped with its number."""
+    """Distinct contents as slices of one random pool from a fixed start, each stamped with its number."""
 
     def __init__(self, rng):
         self.pool = rng.randbytes(POOL_BYTES)
