@@ -172,8 +172,8 @@ void expectSameScan(const Recorded& actual, const DiskAnalyzerScanResult& expect
 // A tree with the shapes that matter: many folders (several status texts), files of equal
 // sizes in many places (ties for the largest files), empty folders, links, hidden entries and
 // branches below the depth limit.
-void buildMixedTree(const TempDir& dir, unsigned seed) {
-  std::mt19937 random(seed);
+void buildMixedTree(const TempDir& dir, unsigned randomState) {
+  std::mt19937 random(randomState);
   std::vector<std::string> folders{"tree"};
   dir.mkdir("tree");
   for (int i = 0; i < 700; ++i) {
