@@ -1,5 +1,10 @@
 #include "ShredderShots.h"
 
+#include <QDropEvent>
+#include <QMimeData>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QUrl>
 #include <QVariant>
 
 namespace halcyra::app {
@@ -49,6 +54,27 @@ void openAndCancel(const ShotTools& tools, const char* opener, bool fromList, co
   tools.waitFor([&] { return !dialog->property("visible").toBool(); });
 }
 
+/// Drags file URLs from elsewhere over the middle of the shredder's page, as a file manager
+/// would; `drop` false leaves the drag hovering.
+void dragFiles(const ShotTools& tools, const QList<QUrl>& urls, bool drop, QMimeData& data) {
+  auto* view = qobject_cast<QQuickItem*>(tools.find("shredderView"));
+  if (view == nullptr || view->window() == nullptr) {
+    tools.fail(QStringLiteral("shredder: no page to drop on"));
+    return;
+  }
+  data.setUrls(urls);
+  const QPointF where = view->mapToScene(QPointF(view->width() / 2, view->height() / 2));
+  if (!drop) {
+    QDragEnterEvent enter(where.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view->window(), &enter);
+    QDragMoveEvent move(where.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view->window(), &move);
+    return;
+  }
+  QDropEvent dropped(where, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(view->window(), &dropped);
+}
+
 } // namespace
 
 void shootShredder(HalcyraApp& app, ScriptedShredderService& service, const ShotTools& tools) {
@@ -73,17 +99,20 @@ void shootShredder(HalcyraApp& app, ScriptedShredderService& service, const Shot
     tools.fail(QStringLiteral("shredder: a cancelled picker added files"));
   }
 
-  // A drag of files over the page.
-  if (QObject* drop = tools.find("shredderDropArea")) {
-    drop->setProperty("forceHighlight", true);
-    tools.shot(QStringLiteral("shredder-2-drop"));
-    drop->setProperty("forceHighlight", false);
-  } else {
-    tools.fail(QStringLiteral("shredder: no drop area"));
+  // Files dragged over the page light up the drop zone; dropping them lists what they hold.
+  QMimeData dragged;
+  const QList<QUrl> urls{QUrl::fromLocalFile(QStringLiteral("/Users/sam/Documents")),
+                         QUrl::fromLocalFile(QStringLiteral("/Users/sam/Desktop/passwords.txt"))};
+  dragFiles(tools, urls, false, dragged);
+  QObject* dropArea = tools.find("shredderDropArea");
+  if (dropArea == nullptr || !dropArea->property("containsDrag").toBool()) {
+    tools.fail(QStringLiteral("shredder: the drop zone did not take the drag"));
   }
+  tools.shot(QStringLiteral("shredder-2-drop"));
+  dragFiles(tools, urls, true, dragged);
+  reach(ShredderViewModel::Phase::preview, "the dropped files were not listed");
 
   // The list with one file unticked and seven passes chosen.
-  addSample();
   viewModel.toggleFile(QString::fromStdString(viewModel.files()[4].id));
   viewModel.setPasses(7);
   tools.shot(QStringLiteral("shredder-3-list"));

@@ -40,9 +40,6 @@ Item {
         objectName: "shredderDropArea"
         anchors.fill: pageLoader
         enabled: shredderView.acceptsFiles
-        // Shown while a drag hovers; the pictures set it to show the highlight.
-        property bool forceHighlight: false
-        readonly property bool highlighted: containsDrag || forceHighlight
         onEntered: (drag) => { drag.accepted = drag.hasUrls }
         onDropped: (drop) => {
             if (!drop.hasUrls) return
@@ -78,7 +75,7 @@ Item {
     Component {
         id: idlePage
         ShredderIdleView {
-            isTargeted: dropArea.highlighted
+            isTargeted: dropArea.containsDrag
             isResolving: ShredderViewModel.isResolving
             onPickFiles: shredderView.pickFiles(false)
             onPickFolder: shredderView.pickFolder(false)
@@ -87,7 +84,7 @@ Item {
     Component {
         id: listPage
         ShredderFileListView {
-            isTargeted: dropArea.highlighted
+            isTargeted: dropArea.containsDrag
             onPickFiles: shredderView.pickFiles(true)
             onPickFolder: shredderView.pickFolder(true)
         }
