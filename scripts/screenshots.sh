@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Draws every screen of the window into PNG files, without a display: each phase of every tool
-# whose screens are built in, each tour page, settings, about and the open-source notices. Fails if QML reports any warning.
+# whose screens are built in, each tour page, settings, about and the open-source notices.
+# Fails if QML reports any warning.
 #
 #   scripts/screenshots.sh [OUTPUT_DIR]      (default: docs/screenshots)
 #
