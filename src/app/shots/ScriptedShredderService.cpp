@@ -39,9 +39,15 @@ void ScriptedShredderService::release() {
   released_.notify_all();
 }
 
-std::vector<shredder::ShredderFile> ScriptedShredderService::resolveFiles(const std::vector<std::string>&,
+std::vector<std::string> ScriptedShredderService::lastPicked() {
+  std::lock_guard lock(mutex_);
+  return lastPicked_;
+}
+
+std::vector<shredder::ShredderFile> ScriptedShredderService::resolveFiles(const std::vector<std::string>& paths,
                                                                           std::vector<shredder::ShredderRefusal>&) {
   std::lock_guard lock(mutex_);
+  lastPicked_ = paths;
   std::vector<shredder::ShredderFile> out;
   for (const auto& [path, size] : files_) {
     out.push_back({core::makeUuid(), path, path.substr(path.rfind('/') + 1), size, true});

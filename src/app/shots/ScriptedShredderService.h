@@ -24,6 +24,8 @@ public:
   void failNextRun();
   void holdNext();
   void release();
+  /// The paths of the latest pick, as they reached the engine.
+  std::vector<std::string> lastPicked();
 
   std::vector<shredder::ShredderFile> resolveFiles(const std::vector<std::string>& paths,
                                                    std::vector<shredder::ShredderRefusal>& refused) override;
@@ -37,6 +39,7 @@ private:
   bool hold_ = false;
   bool fail_ = false;
   std::vector<std::pair<std::string, std::int64_t>> files_;
+  std::vector<std::string> lastPicked_;
   std::string progressText_;
   double progressFraction_ = 0;
   shredder::ShredResult result_;

@@ -119,6 +119,20 @@ void shootShredder(HalcyraApp& app, ScriptedShredderService& service, const Shot
   openAndCancel(tools, "pickFiles", true, "shredderFileDialog", QStringLiteral("Choose more files to shred"),
                 QStringLiteral("Add"));
 
+  // A folder chosen in the picker reaches the engine; its files are listed already, so the
+  // list stays as it is.
+  if (QObject* dialog = tools.find("shredderFolderDialog")) {
+    QMetaObject::invokeMethod(tools.find("shredderView"), "pickFolder", Q_ARG(QVariant, true));
+    tools.waitFor([&] { return dialog->property("visible").toBool(); });
+    dialog->setProperty("selectedFolder", QUrl::fromLocalFile(QStringLiteral("/Users/sam/Desktop")));
+    QMetaObject::invokeMethod(dialog, "accept");
+    if (!tools.waitFor([&] { return service.lastPicked() == std::vector<std::string>{"/Users/sam/Desktop"}; })) {
+      tools.fail(QStringLiteral("shredder: the folder picked did not reach the engine"));
+    }
+    tools.waitFor([&] { return !viewModel.isResolving(); });
+    if (viewModel.fileCount() != 7) tools.fail(QStringLiteral("shredder: a folder already listed was listed again"));
+  }
+
   viewModel.requestConfirmation();
   tools.shot(QStringLiteral("shredder-4-confirming"));
 
