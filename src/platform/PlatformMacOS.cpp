@@ -11,6 +11,7 @@ Platform Platform::forSystem(SystemPaths paths) {
   platform.paths = std::move(paths);
   platform.runningApps = std::make_shared<SystemRunningApplications>();
   platform.privileged = std::make_shared<OsascriptPrivilegedRunner>(platform.processes);
+  platform.workspace = std::make_shared<FinderWorkspace>(platform.processes);
   return platform;
 }
 

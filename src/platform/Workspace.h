@@ -67,4 +67,18 @@ private:
   std::function<std::string(const std::string&)> mountPointOf_;
 };
 
+/// macOS: Finder moves items to the Trash (through "/usr/bin/osascript"), "/usr/bin/open -R"
+/// reveals, "/usr/bin/open" opens links.
+class FinderWorkspace final : public Workspace {
+public:
+  explicit FinderWorkspace(std::shared_ptr<ProcessRunner> runner) : runner_(std::move(runner)) {}
+
+  TrashOutcome moveToTrash(const std::string& path) override;
+  bool revealInFileManager(const std::string& path) override;
+  bool openUrl(const std::string& url) override;
+
+private:
+  std::shared_ptr<ProcessRunner> runner_;
+};
+
 } // namespace halcyra::platform
