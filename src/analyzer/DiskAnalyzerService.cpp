@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "core/Uuid.h"
+#include "platform/SystemPaths.h"
 
 // How the walk is organised.
 //
@@ -735,28 +736,6 @@ std::vector<LargestFileEntry> mergeLargestFiles(std::deque<Task>& tasks) {
   return list;
 }
 
-// An absolute path without repeated, trailing or "." components; ".." stays, since a link
-// before it would change what it means.
-std::string absolutePath(const std::string& path) {
-  std::string input = path;
-  if (input.empty() || input.front() != '/') {
-    std::error_code error;
-    input = std::filesystem::current_path(error).string() + "/" + input;
-  }
-  std::string result;
-  std::size_t start = 0;
-  while (start <= input.size()) {
-    std::size_t end = input.find('/', start);
-    if (end == std::string::npos) end = input.size();
-    const std::string_view part(input.data() + start, end - start);
-    if (!part.empty() && part != ".") {
-      result.push_back('/');
-      result.append(part);
-    }
-    start = end + 1;
-  }
-  return result.empty() ? "/" : result;
-}
 
 } // namespace
 
@@ -767,7 +746,7 @@ void insertLargestFile(LargestFileEntry entry, std::vector<LargestFileEntry>& li
 DiskAnalyzerScanResult DiskAnalyzerService::scanDirectory(
     const std::string& path, const std::function<void(const std::string&)>& onProgress) const {
   const auto start = Clock::now();
-  const std::string absolute = absolutePath(path);
+  const std::string absolute = platform::normalisedAbsolutePath(path);
   onProgress("Starting scan…");
 
   Task root;

@@ -2,6 +2,8 @@
 
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -59,6 +61,27 @@ std::string SystemPaths::expand(std::string_view path) const {
   if (path.starts_with("~/")) return inHome(path.substr(2));
   if (path.starts_with("/")) return system(path);
   return std::string(path);
+}
+
+std::string normalisedAbsolutePath(const std::string& path) {
+  std::string input = path;
+  if (input.empty() || input.front() != '/') {
+    std::error_code error;
+    input = std::filesystem::current_path(error).string() + "/" + input;
+  }
+  std::string result;
+  std::size_t start = 0;
+  while (start <= input.size()) {
+    std::size_t end = input.find('/', start);
+    if (end == std::string::npos) end = input.size();
+    const std::string_view part(input.data() + start, end - start);
+    if (!part.empty() && part != ".") {
+      result.push_back('/');
+      result.append(part);
+    }
+    start = end + 1;
+  }
+  return result.empty() ? "/" : result;
 }
 
 } // namespace halcyra::platform

@@ -33,4 +33,8 @@ private:
   std::string root_;
 };
 
+/// The path made absolute (against the working folder) without repeated, trailing or "."
+/// components. ".." stays: after a symbolic link it means something else than the text says.
+std::string normalisedAbsolutePath(const std::string& path);
+
 } // namespace halcyra::platform

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "platform/ProcessRunner.h"
+#include "platform/SystemPaths.h"
 
 namespace halcyra::platform {
 namespace {
@@ -22,28 +23,6 @@ constexpr std::chrono::seconds kOpenTimeLimit{10};
 constexpr std::size_t kNameMax = 255;
 constexpr std::string_view kInfoSuffix = ".trashinfo";
 
-// An absolute path without repeated, trailing or "." components. ".." stays: after a link it
-// means something else than the text suggests.
-std::string normalised(const std::string& path) {
-  std::string input = path;
-  if (input.empty() || input.front() != '/') {
-    std::error_code error;
-    input = std::filesystem::current_path(error).string() + "/" + input;
-  }
-  std::string result;
-  std::size_t start = 0;
-  while (start <= input.size()) {
-    std::size_t end = input.find('/', start);
-    if (end == std::string::npos) end = input.size();
-    const std::string_view part(input.data() + start, end - start);
-    if (!part.empty() && part != ".") {
-      result.push_back('/');
-      result.append(part);
-    }
-    start = end + 1;
-  }
-  return result.empty() ? "/" : result;
-}
 
 std::string parentOf(const std::string& path) {
   const auto slash = path.rfind('/');
@@ -216,7 +195,7 @@ TrashOutcome moveInto(int trash, const std::string& trashPath, const std::string
 
 FreedesktopWorkspace::FreedesktopWorkspace(std::shared_ptr<ProcessRunner> runner, std::string homeTrash,
                                            std::function<std::string(const std::string&)> mountPointOf)
-    : runner_(std::move(runner)), homeTrash_(normalised(homeTrash)), mountPointOf_(std::move(mountPointOf)) {
+    : runner_(std::move(runner)), homeTrash_(normalisedAbsolutePath(homeTrash)), mountPointOf_(std::move(mountPointOf)) {
   if (!mountPointOf_) mountPointOf_ = defaultMountPoint;
 }
 
@@ -239,7 +218,7 @@ std::string FreedesktopWorkspace::percentEncoded(const std::string& path) {
 
 TrashOutcome FreedesktopWorkspace::moveToTrash(const std::string& path) {
   // Trailing slashes go: "link/" must not come to mean the folder the link points to.
-  const std::string item = normalised(path);
+  const std::string item = normalisedAbsolutePath(path);
   if (item == "/" || path.empty()) return outcome(TrashOutcome::Status::failed, "not an item: " + path);
   if (isWithin(homeTrash_, item) || isWithin(item, homeTrash_)) {
     return outcome(TrashOutcome::Status::failed, "the Trash cannot go into itself");
@@ -284,7 +263,7 @@ TrashOutcome FreedesktopWorkspace::moveToTrash(const std::string& path) {
 
 bool FreedesktopWorkspace::revealInFileManager(const std::string& path) {
   // xdg-open cannot select an item: show the folder that holds it.
-  const std::string folder = parentOf(normalised(path));
+  const std::string folder = parentOf(normalisedAbsolutePath(path));
   const auto output = runner_->run(kXdgOpen, {folder}, kOpenTimeLimit);
   return output.launched && !output.timedOut && output.exitStatus == 0;
 }
