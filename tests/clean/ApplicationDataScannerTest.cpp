@@ -16,12 +16,7 @@ using ::testing::UnorderedElementsAre;
 
 namespace {
 
-struct ScannerFixture {
-  TempDir dir;
-  std::string home = dir.mkdir("home");
-  platform::SystemPaths paths{home, dir.mkdir("root")};
-  platform::TreeSizer sizer{2};
-  clean::ScanContext context{paths, sizer, std::chrono::system_clock::now()};
+struct ScannerFixture : ScannerContextFixture {
   clean::ApplicationDataScanner scanner{context};
 
   std::string file(const std::string& relative, std::int64_t size, std::int64_t ageSeconds = 0) const {

@@ -12,12 +12,7 @@ using ::testing::UnorderedElementsAre;
 
 namespace {
 
-struct BackupFixture {
-  TempDir dir;
-  std::string root = dir.mkdir("root");
-  platform::SystemPaths paths{dir.mkdir("home"), root};
-  platform::TreeSizer sizer{2};
-  clean::ScanContext context{paths, sizer, std::chrono::system_clock::now()};
+struct BackupFixture : ScannerContextFixture {
   std::map<std::string, std::string> tools;
 
   void tool(const std::string& path, const std::string& body) { tools[path] = dir.script("tools" + path, body); }

@@ -12,12 +12,7 @@ using ::testing::UnorderedElementsAre;
 
 namespace {
 
-struct ArtifactFixture {
-  TempDir dir;
-  std::string home = dir.mkdir("home");
-  platform::SystemPaths paths{home, dir.mkdir("root")};
-  platform::TreeSizer sizer{2};
-  clean::ScanContext context{paths, sizer, std::chrono::system_clock::now()};
+struct ArtifactFixture : ScannerContextFixture {
   std::vector<std::string> statuses;
 
   // An artifact folder with one file, old enough to be taken unless `ageDays` says otherwise.

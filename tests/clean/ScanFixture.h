@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <optional>
@@ -9,7 +10,9 @@
 
 #include "clean/CleanItem.h"
 #include "clean/NativeCleanService.h"
+#include "clean/ScanContext.h"
 #include "platform/Platform.h"
+#include "platform/TreeSize.h"
 #include "support/TempDir.h"
 
 namespace halcyra::testing {
@@ -23,6 +26,16 @@ public:
 
   std::optional<platform::TrashSummary> answer = platform::TrashSummary{};
   std::string path = "/trash";
+};
+
+/// What a single scanner needs: a fake home and root, a two-worker sizer and a scan context.
+struct ScannerContextFixture {
+  TempDir dir;
+  std::string home = dir.mkdir("home");
+  std::string root = dir.mkdir("root");
+  platform::SystemPaths paths{home, root};
+  platform::TreeSizer sizer{2};
+  clean::ScanContext context{paths, sizer, std::chrono::system_clock::now()};
 };
 
 /// One scan over a fake home and root in a temporary folder, with fixed running applications,
