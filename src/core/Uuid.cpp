@@ -3,13 +3,19 @@
 #include <array>
 #include <stdexcept>
 
-#include <openssl/rand.h>
+#include <unistd.h>
+#if defined(__APPLE__)
+#include <sys/random.h>
+#endif
 
 namespace halcyra::core {
 
+// Record ids are names, not secrets: they take their bytes straight from the system's entropy
+// source. Keys and overwrite passes use OpenSSL's generator; starting that generator loads a
+// provider of about 2 MiB, which a scan that only names its records has no need of.
 std::string makeUuid() {
   std::array<unsigned char, 16> bytes{};
-  if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
+  if (::getentropy(bytes.data(), bytes.size()) != 0) {
     throw std::runtime_error("the random source failed");
   }
   bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40); // version 4

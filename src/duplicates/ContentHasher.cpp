@@ -18,7 +18,9 @@
 #include <unistd.h>
 #include <utility>
 
-#include <openssl/evp.h>
+// The SHA256_* context functions are marked deprecated in OpenSSL 3 but remain its API.
+#define OPENSSL_SUPPRESS_DEPRECATED
+#include <openssl/sha.h>
 
 namespace halcyra::duplicates {
 namespace {
@@ -68,31 +70,21 @@ private:
   struct stat info_ {};
 };
 
+// SHA-256 through OpenSSL's one-shot context rather than EVP: an EVP fetch loads the default
+// provider and its table of every algorithm name (about 2 MiB resident), while this context
+// runs the same assembly (SHA extensions where the processor has them) with nothing loaded.
 struct DigestContext {
-  explicit DigestContext(const EVP_MD* algorithm) : md(algorithm), context(EVP_MD_CTX_new()) {
-    if (context == nullptr) throw std::bad_alloc();
-  }
-  ~DigestContext() { EVP_MD_CTX_free(context); }
-  DigestContext(const DigestContext&) = delete;
-  DigestContext& operator=(const DigestContext&) = delete;
-
-  void begin() {
-    if (EVP_DigestInit_ex(context, md, nullptr) != 1) throw std::runtime_error("SHA-256 is not available");
-  }
-  void update(const unsigned char* data, std::size_t size) { EVP_DigestUpdate(context, data, size); }
+  void begin() { SHA256_Init(&context); }
+  void update(const unsigned char* data, std::size_t size) { SHA256_Update(&context, data, size); }
   // Continues from where `other` stands: the same bytes fed so far.
-  void copyFrom(const DigestContext& other) {
-    if (EVP_MD_CTX_copy_ex(context, other.context) != 1) throw std::runtime_error("cannot copy a SHA-256 state");
-  }
+  void copyFrom(const DigestContext& other) { context = other.context; }
   Digest finish() {
     Digest digest{};
-    unsigned int length = 0;
-    EVP_DigestFinal_ex(context, digest.data(), &length);
+    SHA256_Final(digest.data(), &context);
     return digest;
   }
 
-  const EVP_MD* md;
-  EVP_MD_CTX* context;
+  SHA256_CTX context{};
 };
 
 // Feeds everything from the current offset to the end of the file; false on a read error.
@@ -196,11 +188,9 @@ public:
       }
       total_ += files.size();
     }
-    algorithm_ = EVP_MD_fetch(nullptr, "SHA256", nullptr);
-    if (algorithm_ == nullptr) throw std::runtime_error("SHA-256 is not available");
   }
 
-  ~HashRun() { EVP_MD_free(algorithm_); }
+  ~HashRun() = default;
   HashRun(const HashRun&) = delete;
   HashRun& operator=(const HashRun&) = delete;
 
@@ -252,8 +242,8 @@ private:
   void workLoop() {
     bool inTask = false;
     try {
-      DigestContext digest(algorithm_);
-      DigestContext spare(algorithm_);
+      DigestContext digest;
+      DigestContext spare;
       auto buffer = std::make_unique<unsigned char[]>(kBufferSize);
       for (;;) {
         std::optional<ProbeTask> probe;
@@ -561,7 +551,6 @@ private:
   std::vector<ProbeTask> probes_;
   std::size_t total_ = 0;
   std::size_t reportEvery_;
-  EVP_MD* algorithm_ = nullptr;
 
   std::mutex mutex_;
   std::condition_variable workAvailable_;
