@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <iostream>
+#include <cstdio>
 
 #include <fmt/format.h>
 
@@ -101,17 +101,17 @@ int runClean(const std::vector<std::string>& args) {
   for (const auto& wanted : only) {
     if (std::none_of(categories.begin(), categories.end(),
                      [&](const clean::CleanCategory& category) { return nameMatches(category.name, wanted); })) {
-      std::cerr << "halcyra clean: this scan found no category named \"" << wanted << "\"\n";
+      fmt::print(stderr, "halcyra clean: this scan found no category named \"{}\"\n", wanted);
     }
   }
   const auto selection = selectionOf(categories, only);
   const auto items = itemsInListingOrder(selection);
   // With --json, standard output holds the JSON alone.
-  std::ostream& listing = json ? std::cerr : std::cout;
+  std::FILE* listing = json ? stderr : stdout;
 
   if (items.empty()) {
-    listing << "Nothing to clean.\n";
-    if (json) std::cout << core::toJsonText(dryRun ? nlohmann::json::array() : resultToJson({})) << '\n';
+    std::fputs("Nothing to clean.\n", listing);
+    if (json) fmt::print(stdout, "{}\n", core::toJsonText(dryRun ? nlohmann::json::array() : resultToJson({})));
     return 0;
   }
   printCategories(listing, selection, true);
@@ -119,9 +119,9 @@ int runClean(const std::vector<std::string>& args) {
     if (json) {
       nlohmann::json list = nlohmann::json::array();
       for (const auto& category : selection) list.push_back(categoryToJson(category));
-      std::cout << core::toJsonText(list) << '\n';
+      fmt::print(stdout, "{}\n", core::toJsonText(list));
     }
-    listing << "Dry run: nothing was removed.\n";
+    std::fputs("Dry run: nothing was removed.\n", listing);
     return 0;
   }
   std::int64_t selectedBytes = 0;
@@ -133,14 +133,15 @@ int runClean(const std::vector<std::string>& args) {
   const clean::CleanResult result = service.clean(items, [&](const std::string& text) { statusLine.status(text); });
   statusLine.finish();
   if (json) {
-    std::cout << core::toJsonText(resultToJson(result)) << '\n';
+    fmt::print(stdout, "{}\n", core::toJsonText(resultToJson(result)));
   } else {
-    std::cout << fmt::format("Freed {}, {} in {:.2f} s\n", core::ByteFormatter::format(result.freedBytes),
+    fmt::print(stdout, "Freed {}, {} in {:.2f} s\n", core::ByteFormatter::format(result.freedBytes),
                              itemCount(static_cast<std::size_t>(result.itemsCleaned)), result.duration);
   }
   const auto left = items.size() - static_cast<std::size_t>(result.itemsCleaned);
   if (left == 0) return 0;
-  std::cerr << fmt::format("halcyra clean: {} of {} could not be removed\n", left, itemCount(items.size()));
+  std::fflush(stdout);
+  fmt::print(stderr, "halcyra clean: {} of {} could not be removed\n", left, itemCount(items.size()));
   return 1;
 }
 

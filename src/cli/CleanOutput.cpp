@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <ostream>
+#include <cstdio>
 
 #include <fmt/format.h>
 
@@ -51,7 +51,7 @@ nlohmann::json categoryToJson(const clean::CleanCategory& category) {
   };
 }
 
-void printCategories(std::ostream& out, const std::vector<clean::CleanCategory>& categories, bool selectedOnly) {
+void printCategories(std::FILE* out, const std::vector<clean::CleanCategory>& categories, bool selectedOnly) {
   std::int64_t total = 0;
   std::size_t itemCount = 0;
   for (const auto& [section, members] : clean::orderedSections(categories)) {
@@ -64,7 +64,7 @@ void printCategories(std::ostream& out, const std::vector<clean::CleanCategory>&
         return sum;
       }();
     }
-    out << fmt::format("{} — {}\n", clean::sectionTitle(section), core::ByteFormatter::format(sectionSize));
+    fmt::print(out, "{} — {}\n", clean::sectionTitle(section), core::ByteFormatter::format(sectionSize));
     // As the section's review shows them: the categories that count, largest first (equal
     // sizes in scan order), then the skipped ones with their reasons.
     struct Row {
@@ -88,15 +88,15 @@ void printCategories(std::ostream& out, const std::vector<clean::CleanCategory>&
     for (const auto& row : rows) {
       total += row.size;
       itemCount += row.count;
-      out << fmt::format("  {:<36} {:>10}  {} {}\n", row.category->name, core::ByteFormatter::format(row.size),
+      fmt::print(out, "  {:<36} {:>10}  {} {}\n", row.category->name, core::ByteFormatter::format(row.size),
                          row.count, row.count == 1 ? "item" : "items");
     }
     for (const auto& category : members) {
       if (category.isWhitelisted || !category.skipReason) continue;
-      out << fmt::format("  {:<36} skipped: {}\n", category.name, *category.skipReason);
+      fmt::print(out, "  {:<36} skipped: {}\n", category.name, *category.skipReason);
     }
   }
-  out << fmt::format("{} of junk files ({} {})\n", core::ByteFormatter::format(total), itemCount,
+  fmt::print(out, "{} of junk files ({} {})\n", core::ByteFormatter::format(total), itemCount,
                      itemCount == 1 ? "item" : "items");
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <iosfwd>
+#include <cstdio>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -21,6 +21,6 @@ nlohmann::json categoryToJson(const clean::CleanCategory& category);
 /// The readable listing: the sections in the order of the results screen, each category that
 /// is not protected with its size and item count, skipped ones with their reason, and the
 /// reclaimable total. Only selected items are counted when `selectedOnly` is set.
-void printCategories(std::ostream& out, const std::vector<clean::CleanCategory>& categories, bool selectedOnly);
+void printCategories(std::FILE* out, const std::vector<clean::CleanCategory>& categories, bool selectedOnly);
 
 } // namespace halcyra::cli

@@ -1,4 +1,6 @@
-#include <iostream>
+#include <cstdio>
+
+#include <fmt/format.h>
 
 #include "cli/Arguments.h"
 #include "cli/CleanOutput.h"
@@ -35,9 +37,9 @@ int runScan(const std::vector<std::string>& args) {
   if (arguments.has("--json")) {
     nlohmann::json list = nlohmann::json::array();
     for (const auto& category : categories) list.push_back(categoryToJson(category));
-    std::cout << core::toJsonText(list) << '\n';
+    fmt::print(stdout, "{}\n", core::toJsonText(list));
   } else {
-    printCategories(std::cout, categories, false);
+    printCategories(stdout, categories, false);
   }
   return 0;
 }

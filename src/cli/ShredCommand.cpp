@@ -1,9 +1,10 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <set>
 #include <sys/stat.h>
+
+#include <fmt/format.h>
 
 #include "cli/Arguments.h"
 #include "cli/Command.h"
@@ -57,10 +58,10 @@ bool askFirst(const std::vector<shredder::ShredderFile>& files, int passes) {
   std::int64_t bytes = 0;
   for (const auto& file : files) bytes += file.size;
   for (std::size_t i = 0; i < files.size() && i < kListedBeforeAsking; ++i) {
-    std::cerr << "  " << files[i].path << "  (" << core::ByteFormatter::format(files[i].size) << ")\n";
+    fmt::print(stderr, "  {}  ({})\n", files[i].path, core::ByteFormatter::format(files[i].size));
   }
   if (files.size() > kListedBeforeAsking) {
-    std::cerr << "  \u2026 and " << plural(files.size() - kListedBeforeAsking, "more file") << '\n';
+    fmt::print(stderr, "  \u2026 and {}\n", plural(files.size() - kListedBeforeAsking, "more file"));
   }
   return confirm("Shred " + plural(files.size(), "file") + " (" + core::ByteFormatter::format(bytes) + ") with " +
                  plural(static_cast<std::size_t>(passes), "pass", "es") + "? This cannot be undone.");
@@ -94,13 +95,13 @@ int runShred(const std::vector<std::string>& args) {
   }
   const auto printRefused = [](const std::vector<shredder::ShredderRefusal>& list) {
     for (const auto& refusal : list) {
-      std::cerr << "halcyra shred: refused " << refusal.path << ": " << refusal.reason << '\n';
+      fmt::print(stderr, "halcyra shred: refused {}: {}\n", refusal.path, refusal.reason);
     }
   };
   printRefused(refused);
   if (files.empty()) {
     if (!refused.empty()) throw CommandError("nothing left to shred");
-    std::cerr << "Nothing to shred: no visible regular files there.\n";
+    std::fputs("Nothing to shred: no visible regular files there.\n", stderr);
     return 0;
   }
   if (ask && !askFirst(files, passes)) throw CommandError("cancelled; nothing was shredded");
@@ -128,7 +129,7 @@ int runShred(const std::vector<std::string>& args) {
   std::size_t failed = 0;
   for (const auto& file : files) {
     if (refusedPaths.contains(file.path) || !stillThere(file.path)) continue;
-    std::cerr << "halcyra shred: could not shred " << file.path << '\n';
+    fmt::print(stderr, "halcyra shred: could not shred {}\n", file.path);
     ++failed;
   }
 
@@ -137,14 +138,12 @@ int runShred(const std::vector<std::string>& args) {
                               {"totalBytes", result.totalBytes},
                               {"duration", result.duration},
                               {"passes", result.passes}};
-    std::cout << core::toJsonText(json) << '\n';
+    fmt::print(stdout, "{}\n", core::toJsonText(json));
   } else {
-    char seconds[32];
-    std::snprintf(seconds, sizeof seconds, "%.1f", result.duration);
     const auto bytes = static_cast<std::size_t>(result.totalBytes);
-    std::cout << "Shredded " << plural(static_cast<std::size_t>(result.filesShredded), "file") << ", "
-              << core::ByteFormatter::format(result.totalBytes) << " (" << plural(bytes, "byte") << "), "
-              << plural(static_cast<std::size_t>(result.passes), "pass", "es") << ", in " << seconds << " s\n";
+    fmt::print(stdout, "Shredded {}, {} ({}), {}, in {:.1f} s\n",
+               plural(static_cast<std::size_t>(result.filesShredded), "file"), core::ByteFormatter::format(result.totalBytes),
+               plural(bytes, "byte"), plural(static_cast<std::size_t>(result.passes), "pass", "es"), result.duration);
   }
   return refused.empty() && refusedLate.empty() && failed == 0 ? 0 : 1;
 }

@@ -1,9 +1,7 @@
 #include "cli/Terminal.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <iostream>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -38,10 +36,10 @@ void StatusLine::progress(double fraction, const std::string& text) {
   std::lock_guard lock(mutex_);
   fraction = std::clamp(fraction, 0.0, 1.0);
   constexpr int kWidth = 24;
-  const int filled = static_cast<int>(std::lround(fraction * kWidth));
+  const int filled = static_cast<int>(fraction * kWidth + 0.5); // the fraction is not negative
   std::string bar = "[" + std::string(static_cast<std::size_t>(filled), '#') +
                     std::string(static_cast<std::size_t>(kWidth - filled), '-') + "] ";
-  const int percent = static_cast<int>(std::floor(fraction * 100.0));
+  const int percent = static_cast<int>(fraction * 100.0);
   std::string line = bar + std::to_string(percent) + "% " + text;
   // Off a terminal, repeat a line only when its text changes, not for every step of the bar.
   if (!live_) {
@@ -65,9 +63,11 @@ bool stdinIsTerminal() { return ::isatty(STDIN_FILENO) == 1; }
 bool stdoutIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
 bool confirm(const std::string& question) {
-  std::cerr << question << " [y/N] " << std::flush;
+  std::fprintf(stderr, "%s [y/N] ", question.c_str());
+  std::fflush(stderr);
   std::string answer;
-  if (!std::getline(std::cin, answer)) return false;
+  for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar()) answer.push_back(static_cast<char>(c));
+  if (answer.empty() && std::feof(stdin)) return false;
   return answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes";
 }
 

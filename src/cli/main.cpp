@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <exception>
-#include <iostream>
+
+#include <fmt/format.h>
 #include <string>
 #include <vector>
 
@@ -14,15 +15,14 @@ using halcyra::cli::Command;
 using halcyra::cli::commands;
 
 void printHelp() {
-  std::cout << "Usage: halcyra <command> [options]\n"
-               "       halcyra --help | --version\n\n"
-               "Keeps this machine clean: each command is one tool.\n\nCommands:\n";
+  std::fputs("Usage: halcyra <command> [options]\n"
+             "       halcyra --help | --version\n\n"
+             "Keeps this machine clean: each command is one tool.\n\nCommands:\n",
+             stdout);
   for (const Command& command : commands()) {
-    std::string name(command.name);
-    name.resize(12, ' ');
-    std::cout << "  " << name << command.summary << '\n';
+    fmt::print(stdout, "  {:<12}{}\n", command.name, command.summary);
   }
-  std::cout << "\nRun 'halcyra <command> --help' for the options of a command.\n";
+  std::fputs("\nRun 'halcyra <command> --help' for the options of a command.\n", stdout);
 }
 
 } // namespace
@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (first == "--version" || first == "-V") {
-    std::cout << "halcyra " << halcyra::core::kVersion << '\n';
+    fmt::print(stdout, "halcyra {}\n", halcyra::core::kVersion);
     return 0;
   }
   for (const Command& command : commands()) {
@@ -48,24 +48,27 @@ int main(int argc, char** argv) {
     for (const auto& arg : rest) {
       if (arg == "--") break;
       if (arg == "--help" || arg == "-h") {
-        std::cout << command.usage;
+        fmt::print(stdout, "{}", command.usage);
         return 0;
       }
     }
     try {
       return command.run(rest);
     } catch (const halcyra::cli::UsageError& error) {
-      std::cerr << "halcyra " << command.name << ": " << error.what() << "\n\n" << command.usage;
+      std::fflush(stdout);
+      fmt::print(stderr, "halcyra {}: {}\n\n{}", command.name, error.what(), command.usage);
       return 2;
     } catch (const halcyra::cli::CommandError& error) {
-      std::cerr << "halcyra " << command.name << ": " << error.what() << '\n';
+      std::fflush(stdout);
+      fmt::print(stderr, "halcyra {}: {}\n", command.name, error.what());
       return 1;
     } catch (const std::exception& error) {
-      std::cerr << "halcyra " << command.name << ": " << error.what() << '\n';
+      std::fflush(stdout);
+      fmt::print(stderr, "halcyra {}: {}\n", command.name, error.what());
       return 1;
     }
   }
-  std::cerr << "halcyra: unknown command '" << first << "'\n\n";
+  fmt::print(stderr, "halcyra: unknown command '{}'\n\n", first);
   printHelp();
   return 2;
 }

@@ -1,7 +1,7 @@
 #include "core/ByteFormatter.h"
 
 #include <array>
-#include <cmath>
+#include <cstdint>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -24,17 +24,24 @@ std::string trimZeros(std::string text) {
   return text;
 }
 
+// Half away from zero for the non-negative values met here, without the math library (the
+// command line does not otherwise load it).
+long double roundHalfUp(long double value) {
+  return static_cast<long double>(static_cast<std::uint64_t>(value + 0.5L));
+}
+
 // Picks the smallest unit in [firstUnit, units) whose rounded value stays below the base, so
 // 999,999 bytes reads "1 MB" rather than "1,000 KB".
 template <std::size_t N>
 std::string scaled(long double magnitude, bool negative, double base, std::size_t firstUnit,
                    const std::array<std::string_view, N>& units) {
   std::size_t unit = firstUnit;
-  long double value = magnitude / std::pow(static_cast<long double>(base), static_cast<long double>(firstUnit));
+  long double value = magnitude;
+  for (std::size_t i = 0; i < firstUnit; ++i) value /= base;
   for (;;) {
     const int decimals = decimalsFor(unit);
-    const long double factor = std::pow(10.0L, decimals);
-    const long double rounded = std::round(value * factor) / factor;
+    const long double factor = decimals == 0 ? 1.0L : decimals == 1 ? 10.0L : 100.0L;
+    const long double rounded = roundHalfUp(value * factor) / factor;
     if (rounded < base || unit + 1 == N) {
       std::string number = trimZeros(fmt::format("{:.{}f}", static_cast<double>(rounded), decimals));
       return fmt::format("{}{} {}", negative ? "-" : "", number, units[unit]);
