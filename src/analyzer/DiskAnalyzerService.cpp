@@ -6,7 +6,7 @@
 #include <condition_variable>
 #include <cstring>
 #include <deque>
-#include <filesystem>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -16,24 +16,30 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "analyzer/FolderTreeBuilder.h"
 #include "core/Uuid.h"
 #include "platform/SystemPaths.h"
 
 // How the walk is organised.
 //
-// The result is defined by one depth-first walk in listing order: the directory count, the
-// file count at each status text and the order among equal-sized largest files all depend on
-// that order. To use several threads without changing any of it, the tree is cut into tasks.
-// A task is a sub-tree walked depth-first by one thread; a sub-folder it hands away becomes a
-// task of its own and leaves a placeholder child and a marker in the task's log at the place
-// where the sequential walk would have entered it. Afterwards:
-//   - the logs are replayed in sequential order (following markers into the tasks they name)
-//     to produce the status texts, live, as far as the tasks walked so far allow;
-//   - placeholders are replaced by the trees of their tasks, sizes added up the way, and
-//     folders that end up empty dropped;
-//   - every file carries its index within its task; with the file counts of the tasks the
-//     replay turns it into its index in the sequential walk, which orders the candidates for
-//     the list of largest files exactly as a single walk would have met them.
+// The result is defined by one depth-first walk in listing order: the order in which folders
+// are entered and left, the directory count and file count at each status text, and the order
+// among equal-sized largest files all depend on that order. To use several threads without
+// changing any of it, the tree is cut into tasks. A task is a sub-tree walked depth-first by
+// one thread; a sub-folder it hands away becomes a task of its own and leaves a marker in the
+// task's log where the sequential walk would have entered it.
+//
+// A task's log is a compact stream of events: a folder entered (its name and the task's files
+// met so far), a folder left (the bytes of its own files, its file count), a sub-folder handed
+// away. The logs are replayed in sequential order, following markers into the tasks they
+// name, as soon as the walk allows: the replay counts folders for the status texts, adds the
+// sizes of sub-folders up, builds paths from the names, and hands each folder to the sink.
+// What has been replayed is dropped, so only the logs of parts walked ahead of the replay are
+// held. Nothing is kept per folder beyond that.
+//
+// Every file carries its index within its task; when a task is replayed to its end, the
+// files of the tasks it handed away are known, and its candidates for the list of largest
+// files get their index in the sequential walk, which settles ties as a single walk would.
 
 namespace halcyra::analyzer {
 namespace {
@@ -45,23 +51,27 @@ constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_N
 constexpr int kMaxOpenFrames = 16;
 constexpr unsigned kMaxAutomaticWorkers = 4;
 
+// Bytes asked of the system per read of a listing. Most folders fit in one read; a large one is
+// read in parts of this size, so a walker holds about this much per open folder at most.
+constexpr std::size_t kListingChunk = 8 * 1024;
+
 // ----- Listings ------------------------------------------------------------------------------
 
 enum class EntryType : std::uint8_t { directory, file, unknown, other, delegated };
 
-// A listing is kept in the frame's buffer as records: this header, then the name with its NUL,
-// padded to 8 bytes. A sub-folder handed to another task is marked in place (type delegated,
-// `task` its index), so the walk meets the marker exactly where it would have entered it.
+// A listing is kept as records: this header, then the name with its NUL, padded to 8 bytes.
+// A sub-folder handed to another task is marked in place (type delegated, `task` its index),
+// so the walk meets the marker exactly where it would have entered it.
 struct EntryHeader {
-  std::uint64_t task = 0;
+  std::uint32_t task = 0;
   std::uint16_t length = 0;
   EntryType type = EntryType::other;
 };
 constexpr std::size_t kHeaderSize = (sizeof(EntryHeader) + 7) & ~std::size_t{7};
 
-EntryHeader headerAt(const std::vector<char>& buffer, std::size_t position) {
+EntryHeader headerAt(const char* record) {
   EntryHeader header;
-  std::memcpy(&header, buffer.data() + position, sizeof header);
+  std::memcpy(&header, record, sizeof header);
   return header;
 }
 
@@ -130,12 +140,13 @@ std::int64_t allocatedSize(const struct stat& info) { return static_cast<std::in
 
 // ----- Tasks and their logs ------------------------------------------------------------------
 
-// node: a folder above the depth limit, a DirectoryNode with children.
-// limit: the folder at the depth limit, a node without children sized by everything below it.
+// node: a folder above the depth limit, reported with its own files and its sub-folders.
+// limit: the folder at the depth limit, reported with everything below it and no sub-folders.
 // fast: a folder below the limit, which only adds the sizes of its files.
 enum class FrameKind : std::uint8_t { node, limit, fast };
 
-// A candidate for the list of largest files; `order` is its index among the task's own files.
+// A candidate for the list of largest files; `order` is its index among the task's own files
+// until the task is replayed, then its index in the sequential walk.
 struct Candidate {
   std::int64_t size = 0;
   std::int64_t order = 0;
@@ -143,19 +154,29 @@ struct Candidate {
   std::size_t nameOffset = 0;
 };
 
-// A folder entered (child < 0) or a sub-folder handed to task `child`, with the number of the
-// task's own files met before it.
-struct LogEvent {
-  std::int64_t filesBefore = 0;
-  std::int64_t child = -1;
-  std::uint32_t nameOffset = 0;
-  std::uint32_t nameLength = 0;
-};
+// Log events, each a tag byte followed by numbers (7 bits a byte, lowest first):
+//   entered:    files met before, name length, then the name's bytes
+//   left:       bytes of the folder's own files (and of everything below a limit folder),
+//               its file count
+//   handedAway: files met before, index of the task
+enum class Tag : unsigned char { entered, left, leftDenied, handedAway };
 
-struct Marker {
-  std::int64_t filesBefore = 0;
-  std::size_t task = 0;
-};
+void putNumber(std::string& log, std::uint64_t value) {
+  while (value >= 0x80) {
+    log.push_back(static_cast<char>((value & 0x7F) | 0x80));
+    value >>= 7;
+  }
+  log.push_back(static_cast<char>(value));
+}
+
+std::uint64_t takeNumber(const char*& at) {
+  std::uint64_t value = 0;
+  for (int shift = 0;; shift += 7) {
+    const auto byte = static_cast<unsigned char>(*at++);
+    value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
+    if (byte < 0x80) return value;
+  }
+}
 
 struct Task {
   // What to walk.
@@ -167,20 +188,16 @@ struct Task {
   dev_t device = 0;
   ino_t inode = 0;
 
-  // What the walk found: its tree (a pseudo node for a fast task, whose size is the total),
-  // its own files, its candidates, and the sub-folders it handed away.
-  DirectoryNode root;
-  std::int64_t files = 0;
+  // Written by the walking thread; read by the replay once `done`.
+  std::int64_t files = 0; // files met by this task itself
+  std::int64_t total = 0; // a fast task: bytes of the files it met itself
   std::vector<Candidate> largest;
-  std::vector<Marker> markers;
 
   // Guarded by Scan::mutex.
-  std::vector<LogEvent> log;
-  std::string logNames;
+  std::string log;
   std::size_t replayed = 0;
   bool done = false;
-  std::int64_t firstFile = 0;  // sequential index of the first file met in this task
-  std::int64_t totalFiles = 0; // files of this task and of those it handed away
+  std::int64_t firstFile = 0; // sequential index of the first file met in this task
 };
 
 // Keeps `list` largest first, at most kLargestFileCount long, earlier entries in front among
@@ -202,45 +219,58 @@ void offerBySize(Entry entry, std::vector<Entry>& list) {
 
 class Scan {
 public:
-  Scan(const std::function<void(const std::string&)>& onProgress, bool splitEveryFolder, dev_t rootDevice)
-      : onProgress_(onProgress), splitEveryFolder_(splitEveryFolder), rootDevice_(rootDevice) {}
+  Scan(FolderSink& sink, const std::function<void(const std::string&)>& onProgress, bool splitEveryFolder,
+       dev_t rootDevice, std::string rootPath)
+      : sink_(sink), onProgress_(onProgress), splitEveryFolder_(splitEveryFolder), rootDevice_(rootDevice),
+        rootPath_(std::move(rootPath)) {}
 
   dev_t rootDevice() const { return rootDevice_; }
   bool wantsWork() const { return splitEveryFolder_ || hungry_.load(std::memory_order_relaxed); }
 
-  std::size_t addRoot(Task task) {
-    tasks_.push_back(std::move(task));
+  // A file smaller than this cannot make the list: twenty larger ones are known.
+  std::int64_t largestFloor() const { return floor_.load(std::memory_order_relaxed); }
+  void raiseFloor(std::int64_t size) {
+    std::int64_t now = floor_.load(std::memory_order_relaxed);
+    while (size > now && !floor_.compare_exchange_weak(now, size, std::memory_order_relaxed)) {
+    }
+  }
+
+  void addRoot(Task task) {
+    tasks_.push_back(std::make_unique<Task>(std::move(task)));
     queue_.push_back(0);
-    cursor_.push_back({0, 0});
-    return 0;
+    cursor_.push_back({0, 0, {}});
   }
 
   void work();
 
   void logEntered(Task& task, std::string_view name) {
     std::lock_guard lock(mutex_);
-    LogEvent event;
-    event.filesBefore = task.files;
-    event.nameOffset = static_cast<std::uint32_t>(task.logNames.size());
-    event.nameLength = static_cast<std::uint32_t>(name.size());
-    task.logNames.append(name);
-    task.log.push_back(event);
+    task.log.push_back(static_cast<char>(Tag::entered));
+    putNumber(task.log, static_cast<std::uint64_t>(task.files));
+    putNumber(task.log, name.size());
+    task.log.append(name);
+    advance();
+  }
+
+  void logLeft(Task& task, std::int64_t bytes, std::int64_t fileCount, bool denied) {
+    std::lock_guard lock(mutex_);
+    task.log.push_back(static_cast<char>(denied ? Tag::leftDenied : Tag::left));
+    putNumber(task.log, static_cast<std::uint64_t>(bytes));
+    putNumber(task.log, static_cast<std::uint64_t>(fileCount));
     advance();
   }
 
   void logHandedAway(Task& task, std::size_t child) {
-    task.markers.push_back({task.files, child});
     std::lock_guard lock(mutex_);
-    LogEvent event;
-    event.filesBefore = task.files;
-    event.child = static_cast<std::int64_t>(child);
-    task.log.push_back(event);
+    task.log.push_back(static_cast<char>(Tag::handedAway));
+    putNumber(task.log, static_cast<std::uint64_t>(task.files));
+    putNumber(task.log, child);
     advance();
   }
 
   std::size_t handAway(Task task) {
     std::lock_guard lock(mutex_);
-    tasks_.push_back(std::move(task));
+    tasks_.push_back(std::make_unique<Task>(std::move(task)));
     const std::size_t index = tasks_.size() - 1;
     queue_.push_back(index);
     updateHungry();
@@ -249,85 +279,201 @@ public:
   }
 
   // After every thread has returned from work().
-  std::deque<Task>& tasks() { return tasks_; }
   std::int64_t directoryCount() const { return directories_; }
+  std::int64_t fileCount() const { return files_; }
+  std::int64_t totalSize() const { return totalSize_; }
+  std::vector<Candidate>& largest() { return largest_; }
 
 private:
+  // A hand-away replayed in the current task, and the files of the tasks handed away up to
+  // and including it once they are replayed.
+  struct Handed {
+    std::int64_t filesBefore;
+    std::int64_t childFilesAfter;
+  };
   struct CursorFrame {
     std::size_t task;
     std::int64_t childFiles; // files of the handed-away tasks replayed so far
+    std::vector<Handed> handed;
+  };
+  // A folder entered by the replay and not yet left.
+  struct OpenFolder {
+    std::int64_t below = 0; // bytes of the sub-folders (and fast tasks) replayed so far
+    std::size_t parentPathLength = 0;
   };
 
   void updateHungry() { hungry_.store(idle_ > 0 && queue_.empty(), std::memory_order_relaxed); }
 
-  // Replays the logs in sequential order as far as they go. Caller holds the mutex.
-  void advance() {
-    while (!cursor_.empty()) {
-      const std::size_t index = cursor_.back().task;
-      Task& task = tasks_[index];
-      if (task.replayed < task.log.size()) {
-        const LogEvent event = task.log[task.replayed++];
-        const std::int64_t filesNow = task.firstFile + cursor_.back().childFiles + event.filesBefore;
-        if (event.child < 0) {
-          ++directories_;
-          if (directories_ % DiskAnalyzerService::kStatusInterval == 0) {
-            onProgress_("Scanning: " + task.logNames.substr(event.nameOffset, event.nameLength) + " (" +
-                        std::to_string(filesNow) + " files found)");
-          }
-        } else {
-          tasks_[static_cast<std::size_t>(event.child)].firstFile = filesNow;
-          cursor_.push_back({static_cast<std::size_t>(event.child), 0});
-        }
-        continue;
-      }
-      // Caught up: what was replayed is not needed again.
-      task.log.clear();
-      task.logNames.clear();
-      task.replayed = 0;
-      if (!task.done) return;
-      task.totalFiles = task.files + cursor_.back().childFiles;
-      cursor_.pop_back();
-      if (!cursor_.empty()) cursor_.back().childFiles += task.totalFiles;
-    }
-  }
+  void advance();
+  void replayEvent(CursorFrame& at, Task& task);
+  void finishTask(CursorFrame& at, Task& task);
 
+  FolderSink& sink_;
   const std::function<void(const std::string&)>& onProgress_;
   const bool splitEveryFolder_;
   const dev_t rootDevice_;
+  const std::string rootPath_; // "" stands for "/"
+  std::atomic<std::int64_t> floor_{0};
 
   std::mutex mutex_;
   std::condition_variable wake_;
-  std::deque<Task> tasks_; // a deque: tasks keep their address while others are added
+  std::deque<std::unique_ptr<Task>> tasks_; // a task is let go once replayed
   std::deque<std::size_t> queue_;
   unsigned idle_ = 0;
   unsigned running_ = 0;
   bool finished_ = false;
   std::atomic<bool> hungry_{false};
+
+  // The replay.
   std::vector<CursorFrame> cursor_;
+  std::vector<OpenFolder> folders_;
+  std::string path_;
   std::int64_t directories_ = 0;
+  std::int64_t files_ = 0;
+  std::int64_t totalSize_ = 0;
+  std::vector<Candidate> largest_; // by size, then sequential index
 };
+
+// Replays the logs in sequential order as far as they go. Caller holds the mutex.
+void Scan::advance() {
+  while (!cursor_.empty()) {
+    CursorFrame& at = cursor_.back();
+    Task& task = *tasks_[at.task];
+    if (task.replayed < task.log.size()) {
+      replayEvent(at, task);
+      continue;
+    }
+    // Caught up: what was replayed is not needed again.
+    if (task.log.capacity() > 4096) {
+      std::string().swap(task.log);
+    } else {
+      task.log.clear();
+    }
+    task.replayed = 0;
+    if (!task.done) return;
+    finishTask(at, task);
+  }
+}
+
+void Scan::replayEvent(CursorFrame& at, Task& task) {
+  const char* const begin = task.log.data();
+  const char* event = begin + task.replayed;
+  const auto tag = static_cast<Tag>(*event++);
+  switch (tag) {
+  case Tag::entered: {
+    const auto filesBefore = static_cast<std::int64_t>(takeNumber(event));
+    const auto length = static_cast<std::size_t>(takeNumber(event));
+    const std::string_view name(event, length);
+    event += length;
+    OpenFolder folder;
+    folder.parentPathLength = path_.size();
+    if (folders_.empty()) {
+      path_ = rootPath_;
+    } else {
+      path_.push_back('/');
+      path_.append(name);
+    }
+    folders_.push_back(folder);
+    ++directories_;
+    sink_.enterFolder(name, path_.empty() ? std::string_view("/") : std::string_view(path_));
+    if (directories_ % DiskAnalyzerService::kStatusInterval == 0) {
+      const std::int64_t filesNow = task.firstFile + at.childFiles + filesBefore;
+      onProgress_("Scanning: " + std::string(name) + " (" + std::to_string(filesNow) + " files found)");
+    }
+    break;
+  }
+  case Tag::left:
+  case Tag::leftDenied: {
+    FolderSink::Totals totals;
+    totals.size = static_cast<std::int64_t>(takeNumber(event));
+    totals.fileCount = static_cast<std::int64_t>(takeNumber(event));
+    totals.isPermissionDenied = tag == Tag::leftDenied;
+    const OpenFolder folder = folders_.back();
+    folders_.pop_back();
+    totals.size += folder.below;
+    sink_.leaveFolder(totals);
+    path_.resize(folder.parentPathLength);
+    if (folders_.empty()) {
+      totalSize_ = totals.size;
+    } else {
+      folders_.back().below += totals.size;
+    }
+    break;
+  }
+  case Tag::handedAway: {
+    const auto filesBefore = static_cast<std::int64_t>(takeNumber(event));
+    const auto child = static_cast<std::size_t>(takeNumber(event));
+    at.handed.push_back({filesBefore, 0});
+    tasks_[child]->firstFile = task.firstFile + at.childFiles + filesBefore;
+    task.replayed = static_cast<std::size_t>(event - begin);
+    cursor_.push_back({child, 0, {}}); // `at` is not used after this
+    return;
+  }
+  }
+  task.replayed = static_cast<std::size_t>(event - begin);
+}
+
+// A task replayed to its end: its candidates get their sequential index and join the list,
+// and the task is let go.
+void Scan::finishTask(CursorFrame& at, Task& task) {
+  const std::int64_t totalFiles = task.files + at.childFiles;
+  // Below the depth limit a task has no folders of its own: its bytes go to the folder at
+  // the limit, which the replay has entered and not yet left.
+  if (task.kind == FrameKind::fast) folders_.back().below += task.total;
+  for (Candidate& candidate : task.largest) {
+    // Files of the handed-away sub-folders met before this one.
+    const auto passed = std::upper_bound(at.handed.begin(), at.handed.end(), candidate.order,
+                                         [](std::int64_t order, const Handed& handed) {
+                                           return order < handed.filesBefore;
+                                         });
+    const std::int64_t before = passed == at.handed.begin() ? 0 : std::prev(passed)->childFilesAfter;
+    candidate.order += task.firstFile + before;
+    largest_.push_back(std::move(candidate));
+  }
+  std::sort(largest_.begin(), largest_.end(), [](const Candidate& a, const Candidate& b) {
+    return a.size != b.size ? a.size > b.size : a.order < b.order;
+  });
+  if (largest_.size() > kLargestFileCount) largest_.resize(kLargestFileCount);
+  if (largest_.size() == kLargestFileCount) raiseFloor(largest_.back().size);
+
+  tasks_[at.task].reset();
+  cursor_.pop_back();
+  if (cursor_.empty()) {
+    files_ = totalFiles;
+    return;
+  }
+  CursorFrame& parent = cursor_.back();
+  parent.childFiles += totalFiles;
+  parent.handed.back().childFilesAfter = parent.childFiles;
+}
 
 // ----- One thread's walk ---------------------------------------------------------------------
 
+// A folder on a walker's stack. Its current part of the listing lies in the walker's shared
+// listing buffer from `base` on, above its parent's part; a folder whose descriptor was let
+// go holds the whole rest of its listing in `rest` instead.
 struct Frame {
-  int fd = -1; // -1 while closed to save descriptors; the listing is then wholly in `buffer`
+  int fd = -1; // -1 while closed to save descriptors
   dev_t device = 0;
   ino_t inode = 0;
-  std::vector<char> buffer;
-  std::size_t position = 0;
-  bool complete = false; // the whole rest of the listing is in the buffer
+  std::size_t base = 0;
+  std::size_t position = 0; // next record, in the shared buffer or in `rest`
+  std::size_t end = 0;
+  bool spilled = false;
+  bool complete = false; // the whole rest of the listing has been read
   FrameKind kind = FrameKind::node;
   int depth = 0;
   std::size_t pathLength = 0;
-  DirectoryNode node;         // node and limit frames, and the root of a fast task
-  std::int64_t total = 0;     // bytes: files met here plus what the sub-folders brought
+  // Bytes of the files met here; for a limit folder or the root of a fast task, also of
+  // everything this thread walked below it.
+  std::int64_t total = 0;
   std::int64_t fileCount = 0; // files directly inside
-  bool holdsPlaceholder = false;
+  std::vector<char> rest;
 };
 
 class Walker {
 public:
-  explicit Walker(Scan& scan) : scan_(scan), scratch_(4096) {}
+  explicit Walker(Scan& scan) : scan_(scan), scratch_(kListingChunk / sizeof(std::uint64_t)) {}
 
   void run(Task& task);
 
@@ -336,23 +482,24 @@ private:
   void descend(const char* name, EntryType type);
   bool pushFrame(int fd, const struct stat& info, FrameKind kind, const char* name);
   void popFrame();
+  ReadStatus readMore(Frame& frame);
   void countFile(const char* name, std::int64_t size);
-  void placeholder(std::size_t child);
   bool nextEntry(EntryHeader& header, const char*& name);
   bool handAwayWork();
   void closeShallowestFrame();
   bool reopenParent(Frame& child, Frame& parent);
 
   Frame& top() { return frames_[depth_ - 1]; }
+  char* records(Frame& frame) { return frame.spilled ? frame.rest.data() : listing_.data(); }
 
   Scan& scan_;
   Task* task_ = nullptr;
   std::vector<Frame> frames_; // frames_[0, depth_) is the stack; the rest is kept for reuse
   std::size_t depth_ = 0;
-  std::size_t regionRoot_ = 0; // the frame that holds placeholders of a fast region
   int openFrames_ = 0;
   bool searchAllowed_ = true;
   std::string path_; // always the path of the top frame
+  std::vector<char> listing_;
   std::vector<std::uint64_t> scratch_;
 };
 
@@ -362,6 +509,7 @@ void Walker::run(Task& task) {
   openFrames_ = 0;
   searchAllowed_ = true;
   path_ = task.path;
+  listing_.clear();
   if (task.kind != FrameKind::fast) scan_.logEntered(task, task.name);
   if (!pushRoot()) return;
 
@@ -383,7 +531,7 @@ void Walker::run(Task& task) {
     }
     case EntryType::directory:
     case EntryType::unknown: descend(name, header.type); break;
-    case EntryType::delegated: placeholder(static_cast<std::size_t>(header.task)); break;
+    case EntryType::delegated: scan_.logHandedAway(task, header.task); break;
     case EntryType::other: break;
     }
   }
@@ -393,15 +541,12 @@ void Walker::run(Task& task) {
 // depth limit that cannot be opened simply weighs nothing.
 bool Walker::pushRoot() {
   Task& task = *task_;
-  task.root = DirectoryNode{};
-  task.root.name = task.name;
-  task.root.path = task.path.empty() ? "/" : task.path;
   struct stat info {};
   info.st_dev = task.device;
   info.st_ino = task.inode;
   if (task.fd >= 0 && pushFrame(task.fd, info, task.kind, nullptr)) return true;
   task.fd = -1;
-  if (task.kind == FrameKind::node) task.root.isPermissionDenied = true;
+  if (task.kind != FrameKind::fast) scan_.logLeft(task, 0, 0, task.kind == FrameKind::node);
   return false;
 }
 
@@ -432,29 +577,36 @@ void Walker::descend(const char* name, EntryType type) {
     ::close(fd); // another file system mounted here: not part of this scan
     return;
   }
-  if (kind != FrameKind::fast) scan_.logEntered(*task_, name);
-  // A folder that cannot be listed ends here: a node of size 0 (marked, for a node), which the
-  // parent leaves out like an empty folder.
-  if (fd < 0) return;
-  pushFrame(fd, info, kind, name);
+  if (kind == FrameKind::fast) {
+    if (fd >= 0) pushFrame(fd, info, kind, name);
+    return;
+  }
+  scan_.logEntered(*task_, name);
+  // A folder that cannot be listed ends here with size 0, which leaves it out of the tree.
+  if (fd < 0 || !pushFrame(fd, info, kind, name)) scan_.logLeft(*task_, 0, 0, kind == FrameKind::node);
 }
 
 // Makes `fd` the top frame and reads the first part of its listing; on failure closes `fd`.
 bool Walker::pushFrame(int fd, const struct stat& info, FrameKind kind, const char* name) {
-  if (frames_.size() == depth_) frames_.emplace_back();
-  Frame& frame = frames_[depth_];
-  frame.buffer.clear();
-  frame.position = 0;
-  frame.complete = false;
-  if (readListing(fd, frame.buffer, scratch_) == ReadStatus::failed) {
-    ::close(fd);
-    return false;
-  }
+  // `name` may lie in the listing buffer, which the read below can move: take it first.
+  const std::size_t parentPathLength = path_.size();
   if (name != nullptr) {
     path_.push_back('/');
     path_.append(name);
   }
+  if (frames_.size() == depth_) frames_.emplace_back();
+  Frame& frame = frames_[depth_];
   frame.fd = fd;
+  frame.base = listing_.size();
+  frame.spilled = false;
+  frame.complete = false;
+  if (readMore(frame) == ReadStatus::failed) {
+    ::close(fd);
+    frame.fd = -1;
+    listing_.resize(frame.base);
+    path_.resize(parentPathLength);
+    return false;
+  }
   frame.device = info.st_dev;
   frame.inode = info.st_ino;
   frame.kind = kind;
@@ -462,18 +614,21 @@ bool Walker::pushFrame(int fd, const struct stat& info, FrameKind kind, const ch
   frame.pathLength = path_.size();
   frame.total = 0;
   frame.fileCount = 0;
-  frame.holdsPlaceholder = false;
-  frame.node = DirectoryNode{};
-  if (kind != FrameKind::fast || depth_ == 0) {
-    frame.node.name = name != nullptr ? std::string(name) : task_->root.name;
-    frame.node.path = name != nullptr ? path_ : task_->root.path;
-  }
-  if (kind == FrameKind::limit || (kind == FrameKind::fast && depth_ == 0)) regionRoot_ = depth_;
   ++depth_;
   ++openFrames_;
   searchAllowed_ = true;
   if (openFrames_ > kMaxOpenFrames) closeShallowestFrame();
   return true;
+}
+
+// Replaces the frame's part of the listing by the next one. Only the top frame reads, so its
+// part is always the last in the shared buffer.
+ReadStatus Walker::readMore(Frame& frame) {
+  listing_.resize(frame.base);
+  const ReadStatus status = readListing(frame.fd, listing_, scratch_);
+  frame.position = frame.base;
+  frame.end = listing_.size();
+  return status;
 }
 
 void Walker::popFrame() {
@@ -482,8 +637,7 @@ void Walker::popFrame() {
     Frame& parent = frames_[depth_ - 2];
     if (parent.fd < 0 && !reopenParent(frame, parent)) {
       // The folder we came from is gone or was moved: its remaining entries are not read.
-      parent.buffer.clear();
-      parent.position = 0;
+      parent.position = parent.end;
       parent.complete = true;
     }
   }
@@ -492,31 +646,26 @@ void Walker::popFrame() {
     --openFrames_;
   }
   frame.fd = -1;
-  if (frame.kind != FrameKind::fast || depth_ == 1) {
-    frame.node.size = frame.total;
-    frame.node.fileCount = frame.kind == FrameKind::node ? frame.fileCount : 0;
-    frame.node.children.shrink_to_fit(); // the tree is kept to the end: no spare room in it
+  listing_.resize(frame.base);
+  if (frame.spilled) {
+    frame.spilled = false;
+    std::vector<char>().swap(frame.rest);
   }
-  if (frame.buffer.capacity() > 256 * 1024) std::vector<char>().swap(frame.buffer);
 
   --depth_;
+  Task& task = *task_;
+  if (frame.kind != FrameKind::fast) {
+    scan_.logLeft(task, frame.total, frame.kind == FrameKind::node ? frame.fileCount : 0, false);
+  }
   if (depth_ == 0) {
-    task_->root = std::move(frame.node);
+    task.total = frame.total;
     return;
   }
   Frame& parent = top();
   path_.resize(parent.pathLength);
-  if (frame.kind == FrameKind::fast) {
-    parent.total += frame.total;
-    return;
-  }
-  // A sub-folder that came to nothing vanishes, unless part of it is still being walked
-  // elsewhere; the assembly drops it later if it stays empty.
-  if (frame.node.size >= 1 || frame.holdsPlaceholder) {
-    parent.total += frame.node.size;
-    parent.holdsPlaceholder = parent.holdsPlaceholder || frame.holdsPlaceholder;
-    parent.node.children.push_back(std::move(frame.node));
-  }
+  // Below the depth limit the bytes go up to the folder at the limit; above it the replay
+  // adds sub-folders up.
+  if (frame.kind == FrameKind::fast) parent.total += frame.total;
 }
 
 void Walker::countFile(const char* name, std::int64_t size) {
@@ -527,6 +676,7 @@ void Walker::countFile(const char* name, std::int64_t size) {
   if (frame.kind == FrameKind::node) ++frame.fileCount;
   // One comparison rejects almost every file; the path is built only for a candidate.
   if (task.largest.size() == kLargestFileCount && size <= task.largest.back().size) return;
+  if (size < scan_.largestFloor()) return;
   Candidate candidate;
   candidate.size = size;
   candidate.order = order;
@@ -536,33 +686,20 @@ void Walker::countFile(const char* name, std::int64_t size) {
   candidate.nameOffset = candidate.path.size();
   candidate.path.append(name);
   offerBySize(std::move(candidate), task.largest);
-}
-
-// Where the sequential walk would enter a folder that another task walks: leave a placeholder
-// child (its size tells the task) and a marker in the log.
-void Walker::placeholder(std::size_t child) {
-  Frame& frame = top();
-  Frame& holder = frame.kind == FrameKind::node ? frame : frames_[regionRoot_];
-  DirectoryNode mark;
-  mark.size = -static_cast<std::int64_t>(child) - 1;
-  holder.node.children.push_back(std::move(mark));
-  holder.holdsPlaceholder = true;
-  scan_.logHandedAway(*task_, child);
+  if (task.largest.size() == kLargestFileCount) scan_.raiseFloor(task.largest.back().size);
 }
 
 bool Walker::nextEntry(EntryHeader& header, const char*& name) {
   Frame& frame = top();
-  while (frame.position >= frame.buffer.size()) {
+  while (frame.position >= frame.end) {
     if (frame.complete || frame.fd < 0) return false;
-    frame.buffer.clear();
-    frame.position = 0;
-    const ReadStatus status = readListing(frame.fd, frame.buffer, scratch_);
     // A listing that breaks off keeps what was read before.
-    if (status != ReadStatus::more) frame.complete = true;
+    if (readMore(frame) != ReadStatus::more) frame.complete = true;
     searchAllowed_ = true;
   }
-  header = headerAt(frame.buffer, frame.position);
-  name = frame.buffer.data() + frame.position + kHeaderSize;
+  const char* record = records(frame) + frame.position;
+  header = headerAt(record);
+  name = record + kHeaderSize;
   frame.position += header.length;
   return true;
 }
@@ -573,14 +710,14 @@ bool Walker::handAwayWork() {
   for (std::size_t i = 0; i < depth_; ++i) {
     Frame& frame = frames_[i];
     if (frame.fd < 0) continue;
-    for (std::size_t position = frame.position; position < frame.buffer.size();) {
-      EntryHeader header = headerAt(frame.buffer, position);
-      const std::size_t at = position;
+    for (std::size_t position = frame.position; position < frame.end;) {
+      char* record = records(frame) + position;
+      EntryHeader header = headerAt(record);
       position += header.length;
       if (header.type != EntryType::directory) continue;
-      const char* name = frame.buffer.data() + at + kHeaderSize;
+      const char* name = record + kHeaderSize;
       const int fd = ::openat(frame.fd, name, kOpenFlags);
-      if (fd < 0) continue; // left to the walk, which marks it
+      if (fd < 0) continue; // left to the walk, which reports it
       struct stat info {};
       if (::fstat(fd, &info) != 0 || info.st_dev != scan_.rootDevice()) {
         ::close(fd);
@@ -590,15 +727,15 @@ bool Walker::handAwayWork() {
       child.path = path_.substr(0, frame.pathLength) + "/" + name;
       child.name = name;
       child.depth = frame.depth + 1;
-      child.kind = frame.kind != FrameKind::node           ? FrameKind::fast
+      child.kind = frame.kind != FrameKind::node                        ? FrameKind::fast
                    : child.depth >= DiskAnalyzerService::kMaxDepth ? FrameKind::limit
                                                                    : FrameKind::node;
       child.fd = fd;
       child.device = info.st_dev;
       child.inode = info.st_ino;
       header.type = EntryType::delegated;
-      header.task = scan_.handAway(std::move(child));
-      std::memcpy(frame.buffer.data() + at, &header, sizeof header);
+      header.task = static_cast<std::uint32_t>(scan_.handAway(std::move(child)));
+      std::memcpy(record, &header, sizeof header);
       return true;
     }
   }
@@ -606,16 +743,24 @@ bool Walker::handAwayWork() {
 }
 
 // Keeps descriptors bounded on deep trees: the shallowest open folder reads the rest of its
-// listing into memory and lets its descriptor go; it is reopened through ".." on the way back.
+// listing into memory of its own and lets its descriptor go; it is reopened through ".." on
+// the way back.
 void Walker::closeShallowestFrame() {
   for (std::size_t i = 0; i + 2 < depth_; ++i) {
     Frame& frame = frames_[i];
     if (frame.fd < 0) continue;
-    frame.buffer.erase(frame.buffer.begin(), frame.buffer.begin() + static_cast<std::ptrdiff_t>(frame.position));
-    frame.position = 0;
-    while (!frame.complete) {
-      if (readListing(frame.fd, frame.buffer, scratch_) != ReadStatus::more) frame.complete = true;
+    if (frame.spilled) {
+      frame.rest.erase(frame.rest.begin(), frame.rest.begin() + static_cast<std::ptrdiff_t>(frame.position));
+    } else {
+      const char* from = listing_.data();
+      frame.rest.assign(from + frame.position, from + frame.end);
     }
+    while (!frame.complete) {
+      if (readListing(frame.fd, frame.rest, scratch_) != ReadStatus::more) frame.complete = true;
+    }
+    frame.spilled = true;
+    frame.position = 0;
+    frame.end = frame.rest.size();
     ::close(frame.fd);
     frame.fd = -1;
     --openFrames_;
@@ -645,7 +790,7 @@ void Scan::work() {
     if (!queue_.empty()) {
       const std::size_t index = queue_.front();
       queue_.pop_front();
-      Task& task = tasks_[index];
+      Task& task = *tasks_[index];
       ++running_;
       updateHungry();
       lock.unlock();
@@ -669,82 +814,14 @@ void Scan::work() {
   }
 }
 
-// ----- Assembly ------------------------------------------------------------------------------
-
-// Puts the trees of handed-away tasks in place of their placeholders and adds their sizes up
-// the way; returns what `node` grew by. Tasks are resolved from the last to the first, so a
-// task's tree is complete before its parent takes it, and only the nodes a task built itself
-// (at most kMaxDepth + 1 levels) are descended here.
-std::int64_t resolvePlaceholders(DirectoryNode& node, std::deque<Task>& tasks) {
-  std::int64_t added = 0;
-  for (DirectoryNode& child : node.children) {
-    if (child.size < 0) {
-      Task& task = tasks[static_cast<std::size_t>(-(child.size + 1))];
-      if (task.kind == FrameKind::fast) {
-        added += task.root.size; // below the depth limit: only the bytes count
-        child.size = 0;
-      } else {
-        child = std::move(task.root);
-        added += child.size;
-      }
-    } else {
-      added += resolvePlaceholders(child, tasks);
-    }
-  }
-  node.size += added;
-  std::erase_if(node.children, [](const DirectoryNode& child) { return child.size < 1; });
-  return added;
-}
-
-void assignIds(DirectoryNode& node) {
-  node.id = core::makeUuid();
-  for (DirectoryNode& child : node.children) assignIds(child);
-}
-
-std::vector<LargestFileEntry> mergeLargestFiles(std::deque<Task>& tasks) {
-  struct Sequenced {
-    std::int64_t index;
-    Candidate* candidate;
-  };
-  std::vector<Sequenced> all;
-  for (Task& task : tasks) {
-    // A file's index in the sequential walk: the task's first index, plus its own index, plus
-    // the files of every sub-folder handed away before it.
-    std::vector<std::int64_t> before(task.markers.size() + 1, 0);
-    for (std::size_t i = 0; i < task.markers.size(); ++i) {
-      before[i + 1] = before[i] + tasks[task.markers[i].task].totalFiles;
-    }
-    for (Candidate& candidate : task.largest) {
-      const auto passed = std::upper_bound(task.markers.begin(), task.markers.end(), candidate.order,
-                                           [](std::int64_t order, const Marker& marker) {
-                                             return order < marker.filesBefore;
-                                           }) -
-                          task.markers.begin();
-      all.push_back({task.firstFile + candidate.order + before[static_cast<std::size_t>(passed)], &candidate});
-    }
-  }
-  std::sort(all.begin(), all.end(), [](const Sequenced& a, const Sequenced& b) { return a.index < b.index; });
-  std::vector<LargestFileEntry> list;
-  for (const Sequenced& item : all) {
-    LargestFileEntry entry;
-    entry.size = item.candidate->size;
-    entry.name = item.candidate->path.substr(item.candidate->nameOffset);
-    entry.path = std::move(item.candidate->path);
-    insertLargestFile(std::move(entry), list);
-  }
-  for (LargestFileEntry& entry : list) entry.id = core::makeUuid();
-  return list;
-}
-
-
 } // namespace
 
 void insertLargestFile(LargestFileEntry entry, std::vector<LargestFileEntry>& list) {
   offerBySize(std::move(entry), list);
 }
 
-DiskAnalyzerScanResult DiskAnalyzerService::scanDirectory(
-    const std::string& path, const std::function<void(const std::string&)>& onProgress) const {
+DiskAnalyzerScanSummary DiskAnalyzerService::scan(const std::string& path, FolderSink& sink,
+                                                  const std::function<void(const std::string&)>& onProgress) const {
   const auto start = Clock::now();
   const std::string absolute = platform::normalisedAbsolutePath(path);
   onProgress("Starting scan…");
@@ -763,7 +840,7 @@ DiskAnalyzerScanResult DiskAnalyzerService::scanDirectory(
   root.device = info.st_dev;
   root.inode = info.st_ino;
 
-  Scan scan(onProgress, options_.splitEveryFolder, info.st_dev);
+  Scan scan(sink, onProgress, options_.splitEveryFolder, info.st_dev, root.path);
   scan.addRoot(std::move(root));
   unsigned workers = options_.workers;
   if (workers == 0) workers = std::clamp(std::thread::hardware_concurrency(), 1u, kMaxAutomaticWorkers);
@@ -773,19 +850,35 @@ DiskAnalyzerScanResult DiskAnalyzerService::scanDirectory(
     scan.work();
   }
 
-  std::deque<Task>& tasks = scan.tasks();
-  for (std::size_t i = tasks.size(); i-- > 0;) resolvePlaceholders(tasks[i].root, tasks);
+  DiskAnalyzerScanSummary summary;
+  summary.totalSize = scan.totalSize();
+  summary.fileCount = scan.fileCount();
+  summary.directoryCount = scan.directoryCount();
+  for (Candidate& candidate : scan.largest()) {
+    LargestFileEntry entry;
+    entry.id = core::makeUuid();
+    entry.name = candidate.path.substr(candidate.nameOffset);
+    entry.path = std::move(candidate.path);
+    entry.size = candidate.size;
+    summary.largestFiles.push_back(std::move(entry));
+  }
+  summary.duration = std::chrono::duration<double>(Clock::now() - start).count();
+  onProgress("Scan complete: " + std::to_string(summary.fileCount) + " files, " +
+             std::to_string(summary.directoryCount) + " dirs");
+  return summary;
+}
 
+DiskAnalyzerScanResult DiskAnalyzerService::scanDirectory(
+    const std::string& path, const std::function<void(const std::string&)>& onProgress) const {
+  FolderTreeBuilder tree;
+  DiskAnalyzerScanSummary summary = scan(path, tree, onProgress);
   DiskAnalyzerScanResult result;
-  result.fileCount = tasks.front().totalFiles;
-  result.directoryCount = scan.directoryCount();
-  result.largestFiles = mergeLargestFiles(tasks);
-  result.root = std::move(tasks.front().root);
-  result.totalSize = result.root.size;
-  assignIds(result.root);
-  result.duration = std::chrono::duration<double>(Clock::now() - start).count();
-  onProgress("Scan complete: " + std::to_string(result.fileCount) + " files, " +
-             std::to_string(result.directoryCount) + " dirs");
+  result.root = tree.takeRoot();
+  result.totalSize = summary.totalSize;
+  result.fileCount = summary.fileCount;
+  result.directoryCount = summary.directoryCount;
+  result.duration = summary.duration;
+  result.largestFiles = std::move(summary.largestFiles);
   return result;
 }
 

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "analyzer/DiskAnalyzerScanResult.h"
+#include "analyzer/FolderSink.h"
+#include "analyzer/LargestFileEntry.h"
 
 namespace halcyra::analyzer {
 
@@ -19,6 +23,15 @@ namespace halcyra::analyzer {
 /// Work may be split over several threads; the result (tree, order of children, counts, list
 /// of largest files) and the sequence of status texts are exactly those of one depth-first
 /// walk in listing order.
+/// What a scan found besides its folders.
+struct DiskAnalyzerScanSummary {
+  std::int64_t totalSize = 0;      ///< size of the scanned folder
+  std::int64_t fileCount = 0;      ///< all regular files seen, those below the depth limit too
+  std::int64_t directoryCount = 0; ///< folders entered, the root included, none below the depth limit
+  double duration = 0;             ///< wall time of the scan, seconds
+  std::vector<LargestFileEntry> largestFiles; ///< at most kLargestFileCount, largest first
+};
+
 class DiskAnalyzerService {
 public:
   /// Depth at which the tree stops; the root is depth 0.
@@ -44,6 +57,13 @@ public:
   /// whichever thread is walking; it must return at once.
   DiskAnalyzerScanResult scanDirectory(const std::string& path,
                                        const std::function<void(const std::string&)>& onProgress) const;
+
+  /// The same scan with its folders handed to `sink` as the walk settles them instead of
+  /// kept as a tree: memory then stays small however many folders there are. The status
+  /// texts and the calls to `sink` come interleaved in the order of the sequential walk, the
+  /// last text after the last folder.
+  DiskAnalyzerScanSummary scan(const std::string& path, FolderSink& sink,
+                               const std::function<void(const std::string&)>& onProgress) const;
 
 private:
   Options options_;
