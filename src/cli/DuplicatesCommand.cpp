@@ -1,9 +1,10 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <limits>
+#include <string_view>
 #include <sys/stat.h>
 
 #include <fmt/format.h>
@@ -68,51 +69,40 @@ std::string localTime(duplicates::FileDate date) {
   return text;
 }
 
-std::int64_t totalWasted(const std::vector<DuplicateGroup>& groups) {
+void put(std::string_view text, std::FILE* out = stdout) { std::fwrite(text.data(), 1, text.size(), out); }
+
+std::int64_t totalWasted(const duplicates::FoundDuplicates& found) {
   std::int64_t total = 0;
-  for (const auto& group : groups) total += group.totalWastedSize();
+  for (std::size_t g = 0; g < found.groupCount(); ++g) total += found.totalWastedSize(g);
   return total;
 }
 
-void printGroups(std::ostream& out, const std::vector<DuplicateGroup>& groups) {
-  if (groups.empty()) {
-    out << "No duplicate files found.\n";
-    return;
-  }
-  int marked = 0;
-  for (const auto& group : groups) {
-    out << group.representativeFileName << "  " << group.fileHash << "  " << core::ByteFormatter::format(group.fileSize)
-        << " each, " << group.files.size() << " copies\n";
-    for (const auto& file : group.files) {
-      out << (file.isSelected ? "  remove  " : "  keep    ") << localTime(file.modificationDate) << "  " << file.path << '\n';
-    }
-    out << '\n';
-    marked += group.selectedCount();
-  }
-  out << groups.size() << (groups.size() == 1 ? " group, " : " groups, ") << marked
-      << (marked == 1 ? " copy" : " copies") << " to remove, " << core::ByteFormatter::format(totalWasted(groups))
-      << " reclaimable\n";
+std::size_t markedCount(const duplicates::FoundDuplicates& found) {
+  std::size_t marked = 0;
+  for (std::size_t g = 0; g < found.groupCount(); ++g) marked += found.fileCount(g) - 1;
+  return marked;
 }
 
-// The array written one group at a time, laid out as a pretty-printed whole would be.
-void printGroupsJson(std::ostream& out, const std::vector<DuplicateGroup>& groups) {
-  if (groups.empty()) {
-    out << "[]\n";
+void printGroups(const duplicates::FoundDuplicates& found, duplicates::SelectionStrategy strategy) {
+  if (found.groupCount() == 0) {
+    put("No duplicate files found.\n");
     return;
   }
-  out << "[\n";
-  for (std::size_t i = 0; i < groups.size(); ++i) {
-    const std::string text = core::toJsonText(nlohmann::json(groups[i]));
-    // JSON strings hold no raw newline, so every newline here is layout.
-    std::string_view rest = text;
-    out << "  ";
-    for (auto newline = rest.find('\n'); newline != std::string_view::npos; newline = rest.find('\n')) {
-      out << rest.substr(0, newline + 1) << "  ";
-      rest.remove_prefix(newline + 1);
+  std::string path;
+  for (std::size_t g = 0; g < found.groupCount(); ++g) {
+    fmt::print(stdout, "{}  {}  {} each, {} copies\n", found.representativeFileName(g), found.fileHash(g),
+               core::ByteFormatter::format(found.fileSize(g)), found.fileCount(g));
+    for (std::size_t position = 0; position < found.fileCount(g); ++position) {
+      found.path(g, position, path);
+      fmt::print(stdout, "{}{}  {}\n", found.isSelected(g, position, strategy) ? "  remove  " : "  keep    ",
+                 localTime(found.modificationDate(g, position)), path);
     }
-    out << rest << (i + 1 < groups.size() ? ",\n" : "\n");
+    put("\n");
   }
-  out << "]\n";
+  const std::size_t marked = markedCount(found);
+  fmt::print(stdout, "{} {}, {} {} to remove, {} reclaimable\n", found.groupCount(),
+             found.groupCount() == 1 ? "group" : "groups", marked, marked == 1 ? "copy" : "copies",
+             core::ByteFormatter::format(totalWasted(found)));
 }
 
 // The marked copies that may still go: a group is skipped whole when no copy it keeps is
@@ -127,10 +117,10 @@ std::vector<std::string> pathsStillToDelete(const std::vector<DuplicateGroup>& g
     for (const auto& file : group.files) {
       if (!file.isSelected) continue;
       if (!keptCopyIntact) {
-        std::cerr << "skipped " << file.path << ": the copy kept of it changed since the scan\n";
+        fmt::print(stderr, "skipped {}: the copy kept of it changed since the scan\n", file.path);
         ++skipped;
       } else if (!duplicates::isUnchangedSinceScan(file)) {
-        std::cerr << "skipped " << file.path << ": changed since the scan\n";
+        fmt::print(stderr, "skipped {}: changed since the scan\n", file.path);
         ++skipped;
       } else {
         paths.push_back(file.path);
@@ -158,28 +148,34 @@ int runDuplicates(const std::vector<std::string>& args) {
 
   const duplicates::DuplicateFileService service(platform::Platform::forSystem());
   StatusLine statusLine;
-  auto groups = service.scan(folder, minFileSize, [&](const std::string& text) { statusLine.status(text); });
+  const auto found = service.find(folder, minFileSize, [&](const std::string& text) { statusLine.status(text); });
   statusLine.finish();
-  duplicates::applyStrategy(groups, keep == "newest" ? duplicates::SelectionStrategy::keepNewest
-                                                     : duplicates::SelectionStrategy::keepOldest);
+  const auto strategy =
+      keep == "newest" ? duplicates::SelectionStrategy::keepNewest : duplicates::SelectionStrategy::keepOldest;
 
   if (!remove) {
-    if (json) printGroupsJson(std::cout, groups);
-    else printGroups(std::cout, groups);
+    // Written a group at a time from the compact result: no records, no document.
+    if (json) {
+      duplicates::writeJson(found, strategy, [](std::string_view text) { put(text); });
+      put("\n");
+    } else {
+      printGroups(found, strategy);
+    }
     return 0;
   }
 
-  if (!json) printGroups(std::cout, groups);
-  int marked = 0;
-  for (const auto& group : groups) marked += group.selectedCount();
+  if (!json) printGroups(found, strategy);
+  const std::size_t marked = markedCount(found);
   duplicates::DuplicateCleanResult result;
+  auto groups = found.records();
+  duplicates::applyStrategy(groups, strategy);
   int skipped = 0;
   if (marked > 0) {
-    std::cout.flush();
+    std::fflush(stdout);
     if (!arguments.has("--yes") &&
         !confirm(fmt::format("Delete {} duplicate {} ({})?", marked, marked == 1 ? "file" : "files",
-                             core::ByteFormatter::format(totalWasted(groups))))) {
-      std::cerr << "Nothing deleted.\n";
+                             core::ByteFormatter::format(totalWasted(found))))) {
+      put("Nothing deleted.\n", stderr);
       return 0;
     }
     // Checked after the question: the answer may have taken a while.
@@ -191,12 +187,13 @@ int runDuplicates(const std::vector<std::string>& args) {
 
   if (json) {
     nlohmann::json document{{"groups", groups}, {"result", result}};
-    std::cout << core::toJsonText(document) << '\n';
+    put(core::toJsonText(document));
+    put("\n");
   } else {
-    std::cout << fmt::format("Deleted {} {}, freed {} in {:.1f}s\n", result.filesDeleted,
-                             result.filesDeleted == 1 ? "file" : "files", core::ByteFormatter::format(result.freedBytes),
-                             result.duration);
-    if (skipped > 0) std::cout << skipped << (skipped == 1 ? " file was" : " files were") << " not removed\n";
+    fmt::print(stdout, "Deleted {} {}, freed {} in {:.1f}s\n", result.filesDeleted,
+               result.filesDeleted == 1 ? "file" : "files", core::ByteFormatter::format(result.freedBytes),
+               result.duration);
+    if (skipped > 0) fmt::print(stdout, "{} {} not removed\n", skipped, skipped == 1 ? "file was" : "files were");
   }
   return skipped > 0 ? 1 : 0;
 }

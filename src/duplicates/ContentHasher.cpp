@@ -4,9 +4,9 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstring>
-#include <deque>
 #include <exception>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <fcntl.h>
 #include <memory>
@@ -139,6 +139,7 @@ enum class State : std::uint8_t {
   hashed,   // `key` holds the whole-content digest
 };
 
+// One candidate of the batch; positions are counted from the batch's first candidate.
 struct Member {
   std::uint32_t source = 0; // the member whose read stands for this one: itself, or a hard link
   State state = State::pending;
@@ -146,47 +147,69 @@ struct Member {
   Digest key{};
 };
 
-struct GroupWork {
-  std::vector<Member> members;
-  std::vector<std::uint32_t> byInode; // member indices, names of one indexed inode side by side
-  std::size_t probesLeft = 0;
-};
-
 struct ProbeTask {
-  std::uint32_t group;
-  std::uint32_t begin; // a run of `byInode`: names that were one file when indexed
+  std::uint32_t group; // within the batch
+  std::uint32_t begin; // a run of `byInode_`: names that were one file when indexed
   std::uint32_t end;
 };
 
-// Files of one group with one probe key: each source is read once, and the names it settles
-// (itself and its hard links) count as its weight.
+// Files of one group with one probe key: `order_[begin, end)`, sorted by source. Each source
+// is read once, and the names it settles (itself and its hard links) count as its weight.
 struct CompareTask {
-  std::uint32_t group;
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> sources; // (member, weight)
+  std::uint32_t begin;
+  std::uint32_t end;
 };
 
+struct OpenSource {
+  std::uint32_t member;
+  std::uint32_t weight;
+  RegularFile file;
+};
+
+// What one worker reads with. Made by the calling thread and kept for the whole run, so that
+// a worker allocates nothing: a thread that never allocates never gets an arena of its own
+// from the C library.
+struct WorkerScratch {
+  WorkerScratch() : buffer(std::make_unique_for_overwrite<unsigned char[]>(kBufferSize)) {
+    path.reserve(4096);
+    open.reserve(kMaxOpenFiles);
+    followers.reserve(kMaxOpenFiles);
+  }
+  std::unique_ptr<unsigned char[]> buffer; // written before it is read, so pages never read stay untouched
+  std::string path;
+  std::vector<OpenSource> open;
+  std::vector<OpenSource> followers;
+  DigestContext digest;
+  DigestContext spare;
+};
+
+// The size groups `runs[firstRun, endRun)` of one batch, read by a few workers.
 class HashRun {
 public:
-  HashRun(const std::vector<SizeGroup>& groups, std::size_t reportEvery)
-      : groups_(groups), work_(groups.size()), reportEvery_(std::max<std::size_t>(reportEvery, 1)) {
-    for (std::uint32_t g = 0; g < groups.size(); ++g) {
-      const auto& files = groups[g].files;
-      GroupWork& work = work_[g];
-      work.members.resize(files.size());
-      work.byInode.resize(files.size());
-      std::iota(work.byInode.begin(), work.byInode.end(), std::uint32_t{0});
-      std::stable_sort(work.byInode.begin(), work.byInode.end(), [&](std::uint32_t a, std::uint32_t b) {
-        if (files[a].device != files[b].device) return files[a].device < files[b].device;
-        return files[a].inode < files[b].inode;
+  HashRun(const FileIndex& index, const FileIndex::SharedSizes& shared, std::size_t firstRun, std::size_t endRun,
+          std::size_t settledBefore, std::size_t reportEvery)
+      : index_(index), shared_(shared), firstRun_(firstRun), base_(shared.runs[firstRun].begin),
+        total_(shared.runs[endRun - 1].end - base_), settledBefore_(settledBefore),
+        reportEvery_(std::max<std::size_t>(reportEvery, 1)), members_(total_), byInode_(total_), order_(total_),
+        probesLeft_(endRun - firstRun) {
+    compares_.reserve(total_ / 2 + 1); // a comparison settles two files at least
+    for (std::size_t r = firstRun; r < endRun; ++r) {
+      const auto g = static_cast<std::uint32_t>(r - firstRun);
+      const std::uint32_t begin = shared.runs[r].begin - base_;
+      const std::uint32_t end = shared.runs[r].end - base_;
+      std::iota(byInode_.begin() + begin, byInode_.begin() + end, begin);
+      std::stable_sort(byInode_.begin() + begin, byInode_.begin() + end, [&](std::uint32_t a, std::uint32_t b) {
+        const std::size_t fileA = fileOf(a), fileB = fileOf(b);
+        if (index.device(fileA) != index.device(fileB)) return index.device(fileA) < index.device(fileB);
+        return index.inode(fileA) < index.inode(fileB);
       });
-      for (std::uint32_t i = 0; i < files.size();) {
+      for (std::uint32_t i = begin; i < end;) {
         std::uint32_t j = i + 1;
-        while (j < files.size() && sameInode(files[work.byInode[i]], files[work.byInode[j]])) ++j;
+        while (j < end && sameInode(fileOf(byInode_[i]), fileOf(byInode_[j]))) ++j;
         probes_.push_back(ProbeTask{g, i, j});
-        ++work.probesLeft;
+        ++probesLeft_[g];
         i = j;
       }
-      total_ += files.size();
     }
   }
 
@@ -194,70 +217,73 @@ public:
   HashRun(const HashRun&) = delete;
   HashRun& operator=(const HashRun&) = delete;
 
-  std::vector<std::vector<std::optional<Digest>>> run(unsigned workerCount, const ContentHasher::SettledCallback& onSettled) {
-    if (total_ > 0) {
-      std::vector<std::thread> workers;
-      try {
-        for (unsigned i = 0; i < std::max(workerCount, 1u); ++i) workers.emplace_back([this] { workLoop(); });
-      } catch (...) {
-        if (workers.empty()) throw;
-        // Fewer threads than asked for still finish the work.
-      }
-      std::size_t reported = 0;
-      {
-        std::unique_lock lock(mutex_);
-        for (;;) {
-          settledChanged_.wait(lock, [&] { return settled_ > reported || finished_ == workers.size(); });
-          const std::size_t settled = settled_;
-          const bool allDone = finished_ == workers.size();
-          if (settled > reported) {
-            lock.unlock();
-            // Progress is reported from this thread only, never from a worker.
-            try {
-              if (onSettled) onSettled(settled);
-            } catch (...) {
-              // The workers are stopped and joined before the callback's error goes on.
-              lock.lock();
-              aborted_ = true;
-              if (!error_) error_ = std::current_exception();
-              workAvailable_.notify_all();
-              settledChanged_.wait(lock, [&] { return finished_ == workers.size(); });
-              break;
-            }
-            reported = settled;
-            lock.lock();
-          }
-          if (allDone) break;
-        }
-      }
-      for (auto& worker : workers) worker.join();
-      if (error_) std::rethrow_exception(error_);
+  // Digests of the batch's candidates in order; none for a file left out or proved unique.
+  std::vector<std::optional<Digest>> run(std::vector<WorkerScratch>& scratch, const ContentHasher::SettledCallback& onSettled) {
+    std::vector<std::thread> workers;
+    workers.reserve(scratch.size());
+    try {
+      for (auto& own : scratch) workers.emplace_back([this, &own] { workLoop(own); });
+    } catch (...) {
+      if (workers.empty()) throw;
+      // Fewer threads than asked for still finish the work.
     }
+    std::size_t reported = 0;
+    {
+      std::unique_lock lock(mutex_);
+      for (;;) {
+        settledChanged_.wait(lock, [&] { return settled_ > reported || finished_ == workers.size(); });
+        const std::size_t settled = settled_;
+        const bool allDone = finished_ == workers.size();
+        if (settled > reported) {
+          lock.unlock();
+          // Progress is reported from this thread only, never from a worker.
+          try {
+            if (onSettled) onSettled(settledBefore_ + settled);
+          } catch (...) {
+            // The workers are stopped and joined before the callback's error goes on.
+            lock.lock();
+            aborted_ = true;
+            if (!error_) error_ = std::current_exception();
+            workAvailable_.notify_all();
+            settledChanged_.wait(lock, [&] { return finished_ == workers.size(); });
+            break;
+          }
+          reported = settled;
+          lock.lock();
+        }
+        if (allDone) break;
+      }
+    }
+    for (auto& worker : workers) worker.join();
+    if (error_) std::rethrow_exception(error_);
     return results();
   }
 
 private:
-  static bool sameInode(const IndexedFile& a, const IndexedFile& b) { return a.device == b.device && a.inode == b.inode; }
+  std::size_t fileOf(std::uint32_t member) const { return shared_.files[base_ + member]; }
+  bool sameInode(std::size_t a, std::size_t b) const {
+    return index_.device(a) == index_.device(b) && index_.inode(a) == index_.inode(b);
+  }
+  bool openMember(RegularFile& file, std::uint32_t member, WorkerScratch& scratch) const {
+    index_.path(fileOf(member), scratch.path);
+    return file.open(scratch.path);
+  }
 
-  void workLoop() {
+  void workLoop(WorkerScratch& scratch) {
     bool inTask = false;
     try {
-      DigestContext digest;
-      DigestContext spare;
-      auto buffer = std::make_unique<unsigned char[]>(kBufferSize);
       for (;;) {
         std::optional<ProbeTask> probe;
         std::optional<CompareTask> compare;
         {
           std::unique_lock lock(mutex_);
           workAvailable_.wait(lock, [&] {
-            return aborted_ || !compares_.empty() || nextProbe_ < probes_.size() || running_ == 0;
+            return aborted_ || nextCompare_ < compares_.size() || nextProbe_ < probes_.size() || running_ == 0;
           });
           if (aborted_) break;
-          // Comparisons first: they settle files, and their groups can be let go.
-          if (!compares_.empty()) {
-            compare = std::move(compares_.front());
-            compares_.pop_front();
+          // Comparisons first: they settle files.
+          if (nextCompare_ < compares_.size()) {
+            compare = compares_[nextCompare_++];
           } else if (nextProbe_ < probes_.size()) {
             probe = probes_[nextProbe_++];
           } else {
@@ -267,28 +293,29 @@ private:
           inTask = true;
         }
         std::size_t newlySettled = 0;
-        std::vector<CompareTask> queued;
+        std::size_t queuedBegin = 0, queuedEnd = 0;
         if (probe) {
-          runProbe(*probe, digest, buffer.get());
+          runProbe(*probe, scratch);
           bool lastProbe = false;
           {
             std::lock_guard lock(mutex_);
-            lastProbe = --work_[probe->group].probesLeft == 0;
+            lastProbe = --probesLeft_[probe->group] == 0;
           }
           // The last probe of a group owns it now: no other task touches it until this one
           // queues its whole reads.
-          if (lastProbe) newlySettled = settleProbedGroup(probe->group, queued);
+          if (lastProbe) newlySettled = settleProbedGroup(probe->group, queuedBegin, queuedEnd);
         } else {
-          newlySettled = runCompare(*compare, digest, spare, buffer.get());
+          newlySettled = runCompare(*compare, scratch);
         }
         {
           std::lock_guard lock(mutex_);
           --running_;
           inTask = false;
-          for (auto& task : queued) compares_.push_back(std::move(task));
-          const std::size_t before = settled_;
+          queueCompares(queuedBegin, queuedEnd);
+          const std::size_t before = settledBefore_ + settled_;
           settled_ += newlySettled;
-          if (settled_ / reportEvery_ != before / reportEvery_ || settled_ == total_) settledChanged_.notify_one();
+          const std::size_t after = settledBefore_ + settled_;
+          if (after / reportEvery_ != before / reportEvery_ || settled_ == total_) settledChanged_.notify_one();
         }
         workAvailable_.notify_all();
       }
@@ -308,18 +335,16 @@ private:
   // Opens each name of one indexed inode; the first that is still a regular file is probed,
   // the others are settled by it when they turn out to be the same file, and probed on their
   // own when they have become another one.
-  void runProbe(const ProbeTask& task, DigestContext& digest, unsigned char* buffer) {
-    GroupWork& work = work_[task.group];
-    const auto& files = groups_[task.group].files;
+  void runProbe(const ProbeTask& task, WorkerScratch& scratch) {
     bool haveSource = false;
     std::uint32_t source = 0;
     dev_t sourceDevice = 0;
     ino_t sourceInode = 0;
     for (std::uint32_t k = task.begin; k < task.end; ++k) {
-      const std::uint32_t index = work.byInode[k];
-      Member& member = work.members[index];
+      const std::uint32_t index = byInode_[k];
+      Member& member = members_[index];
       RegularFile file;
-      if (!file.open(files[index].path)) {
+      if (!openMember(file, index, scratch)) {
         member.state = State::failed;
         continue;
       }
@@ -329,7 +354,7 @@ private:
         continue;
       }
       member.source = index;
-      if (!probe(file, member, digest, buffer)) {
+      if (!probe(file, member, scratch.digest, scratch.buffer.get())) {
         member.state = State::failed;
         continue;
       }
@@ -343,10 +368,10 @@ private:
     }
     // Names that share a source take its key; they were written only by this task.
     for (std::uint32_t k = task.begin; k < task.end; ++k) {
-      Member& member = work.members[work.byInode[k]];
-      if (member.state == State::probed && member.source != work.byInode[k]) {
-        member.key = work.members[member.source].key;
-        member.whole = work.members[member.source].whole;
+      Member& member = members_[byInode_[k]];
+      if (member.state == State::probed && member.source != byInode_[k]) {
+        member.key = members_[member.source].key;
+        member.whole = members_[member.source].whole;
       }
     }
   }
@@ -378,61 +403,85 @@ private:
   }
 
   // Every member of the group is probed: settles those that are unique or failed and those
-  // already digested whole, and queues one whole read for each source that still needs one.
-  std::size_t settleProbedGroup(std::uint32_t g, std::vector<CompareTask>& queued) {
-    GroupWork& work = work_[g];
-    auto& members = work.members;
+  // already digested whole, and leaves in `order_[queuedBegin, queuedEnd)` the runs of
+  // members that still need a whole read, each run one probe key sorted by source.
+  std::size_t settleProbedGroup(std::uint32_t g, std::size_t& queuedBegin, std::size_t& queuedEnd) {
+    const std::uint32_t begin = shared_.runs[firstRun_ + g].begin - base_;
+    const std::uint32_t end = shared_.runs[firstRun_ + g].end - base_;
     std::size_t settledNow = 0;
-    std::vector<std::uint32_t> live;
-    live.reserve(members.size());
-    for (std::uint32_t i = 0; i < members.size(); ++i) {
-      if (members[i].state == State::failed) ++settledNow;
-      else live.push_back(i);
+    std::uint32_t liveEnd = begin;
+    for (std::uint32_t i = begin; i < end; ++i) {
+      if (members_[i].state == State::failed) ++settledNow;
+      else order_[liveEnd++] = i;
     }
     auto keyLess = [&](std::uint32_t a, std::uint32_t b) {
-      if (members[a].whole != members[b].whole) return members[a].whole < members[b].whole;
-      const int order = std::memcmp(members[a].key.data(), members[b].key.data(), members[a].key.size());
-      if (order != 0) return order < 0;
-      return members[a].source < members[b].source;
+      if (members_[a].whole != members_[b].whole) return members_[a].whole < members_[b].whole;
+      const int compared = std::memcmp(members_[a].key.data(), members_[b].key.data(), members_[a].key.size());
+      if (compared != 0) return compared < 0;
+      return members_[a].source < members_[b].source;
     };
-    std::sort(live.begin(), live.end(), keyLess);
+    std::sort(order_.begin() + begin, order_.begin() + liveEnd, keyLess);
     auto sameKey = [&](std::uint32_t a, std::uint32_t b) {
-      return members[a].whole == members[b].whole && members[a].key == members[b].key;
+      return members_[a].whole == members_[b].whole && members_[a].key == members_[b].key;
     };
-    for (std::size_t i = 0; i < live.size();) {
-      std::size_t j = i + 1;
-      while (j < live.size() && sameKey(live[i], live[j])) ++j;
+    // Runs that need a whole read are moved to the front, one after the other.
+    std::uint32_t kept = begin;
+    for (std::uint32_t i = begin; i < liveEnd;) {
+      std::uint32_t j = i + 1;
+      while (j < liveEnd && sameKey(order_[i], order_[j])) ++j;
       if (j - i == 1) {
-        members[live[i]].state = State::unique;
+        members_[order_[i]].state = State::unique;
         ++settledNow;
-      } else if (members[live[i]].whole) {
-        for (std::size_t k = i; k < j; ++k) members[live[k]].state = State::hashed;
+      } else if (members_[order_[i]].whole) {
+        for (std::uint32_t k = i; k < j; ++k) members_[order_[k]].state = State::hashed;
         settledNow += j - i;
       } else {
-        // Sorted by source within the run: each source is read once, settling its names.
-        CompareTask task{g, {}};
-        for (std::size_t k = i; k < j;) {
-          std::size_t l = k + 1;
-          while (l < j && members[live[l]].source == members[live[k]].source) ++l;
-          task.sources.emplace_back(members[live[k]].source, static_cast<std::uint32_t>(l - k));
-          k = l;
-        }
-        queued.push_back(std::move(task));
+        std::copy(order_.begin() + i, order_.begin() + j, order_.begin() + kept);
+        kept += j - i;
       }
       i = j;
     }
+    queuedBegin = begin;
+    queuedEnd = kept;
     return settledNow;
   }
 
-  std::size_t runCompare(const CompareTask& task, DigestContext& digest, DigestContext& spare, unsigned char* buffer) {
-    std::size_t settles = 0;
-    for (const auto& source : task.sources) settles += source.second;
-    const bool wholeRunAtOnce = task.sources.size() <= kMaxOpenFiles;
-    for (std::size_t begin = 0; begin < task.sources.size(); begin += kMaxOpenFiles) {
-      const std::size_t end = std::min(begin + kMaxOpenFiles, task.sources.size());
-      compareBatch(task.group, task.sources.data() + begin, end - begin, wholeRunAtOnce, digest, spare, buffer);
+  // Under the lock: one comparison per probe key among `order_[begin, end)`.
+  void queueCompares(std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end;) {
+      std::size_t j = i + 1;
+      while (j < end && sameKey(order_[i], order_[j])) ++j;
+      compares_.push_back(CompareTask{static_cast<std::uint32_t>(i), static_cast<std::uint32_t>(j)});
+      i = j;
     }
-    return settles;
+  }
+  bool sameKey(std::uint32_t a, std::uint32_t b) const {
+    return members_[a].whole == members_[b].whole && members_[a].key == members_[b].key;
+  }
+
+  std::size_t runCompare(const CompareTask& task, WorkerScratch& scratch) {
+    // Sorted by source within the task: each source is read once, settling its names.
+    std::pair<std::uint32_t, std::uint32_t> sources[kMaxOpenFiles];
+    std::size_t count = 0;
+    std::size_t sourceCount = 0;
+    for (std::uint32_t k = task.begin; k < task.end;) {
+      std::uint32_t l = k + 1;
+      while (l < task.end && members_[order_[l]].source == members_[order_[k]].source) ++l;
+      ++sourceCount;
+      k = l;
+    }
+    const bool wholeRunAtOnce = sourceCount <= kMaxOpenFiles;
+    for (std::uint32_t k = task.begin; k < task.end;) {
+      std::uint32_t l = k + 1;
+      while (l < task.end && members_[order_[l]].source == members_[order_[k]].source) ++l;
+      sources[count++] = {members_[order_[k]].source, l - k};
+      k = l;
+      if (count == kMaxOpenFiles || k == task.end) {
+        compareBatch(sources, count, wholeRunAtOnce, scratch);
+        count = 0;
+      }
+    }
+    return task.end - task.begin;
   }
 
   // Reads the files side by side, block by block. Only the first (the leader) is digested;
@@ -441,21 +490,16 @@ private:
   // leader's state at the block where they parted, so every file is read exactly once and
   // its digest is always that of its own whole content. When the batch is the whole run, a
   // file with one name that no other file matches is unique, and reading it stops.
-  void compareBatch(std::uint32_t g, const std::pair<std::uint32_t, std::uint32_t>* sources, std::size_t count,
-                    bool wholeRun, DigestContext& digest, DigestContext& spare, unsigned char* buffer) {
-    struct OpenSource {
-      std::uint32_t member;
-      std::uint32_t weight;
-      RegularFile file;
-    };
-    auto& members = work_[g].members;
-    const auto& files = groups_[g].files;
-    std::vector<OpenSource> open;
-    open.reserve(count);
+  void compareBatch(const std::pair<std::uint32_t, std::uint32_t>* sources, std::size_t count, bool wholeRun,
+                    WorkerScratch& scratch) {
+    auto& open = scratch.open;
+    auto& followers = scratch.followers;
+    open.clear();
+    followers.clear();
     for (std::size_t i = 0; i < count; ++i) {
       RegularFile file;
-      if (!file.open(files[sources[i].first].path)) {
-        members[sources[i].first].state = State::failed;
+      if (!openMember(file, sources[i].first, scratch)) {
+        members_[sources[i].first].state = State::failed;
         continue;
       }
       // Read front to back: lets a cold cache read ahead.
@@ -464,10 +508,10 @@ private:
     }
     if (open.empty()) return;
     auto settle = [&](const OpenSource& source, State state, const Digest& value = Digest{}) {
-      members[source.member].state = state;
+      members_[source.member].state = state;
       if (state == State::hashed) {
-        members[source.member].key = value;
-        members[source.member].whole = true;
+        members_[source.member].key = value;
+        members_[source.member].whole = true;
       }
     };
     if (wholeRun && open.size() == 1 && open[0].weight == 1) {
@@ -476,12 +520,12 @@ private:
     }
     // Two single names that part: neither can match anything else in the run.
     const bool pair = wholeRun && open.size() == 2 && open[0].weight == 1 && open[1].weight == 1;
-    unsigned char* const leaderBlock = buffer;
-    unsigned char* const otherBlock = buffer + kHalf;
+    unsigned char* const leaderBlock = scratch.buffer.get();
+    unsigned char* const otherBlock = leaderBlock + kHalf;
     const OpenSource& leader = open.front();
-    std::vector<OpenSource> followers;
-    followers.reserve(open.size() - 1);
     for (std::size_t i = 1; i < open.size(); ++i) followers.push_back(std::move(open[i]));
+    DigestContext& digest = scratch.digest;
+    DigestContext& spare = scratch.spare;
 
     // `digest` holds the leader's bytes before the current block: the state a departing
     // file takes over, since its bytes were the same up to there.
@@ -530,32 +574,36 @@ private:
     }
   }
 
-  std::vector<std::vector<std::optional<Digest>>> results() const {
-    std::vector<std::vector<std::optional<Digest>>> digests(work_.size());
-    for (std::size_t g = 0; g < work_.size(); ++g) {
-      const auto& members = work_[g].members;
-      digests[g].resize(members.size());
-      for (std::size_t i = 0; i < members.size(); ++i) {
-        if (members[i].state == State::failed || members[i].state == State::unique) continue;
-        // A name settled by its source has the source's outcome: the whole read of that one
-        // file, or its failure.
-        const Member& source = members[members[i].source];
-        if (source.state == State::hashed) digests[g][i] = source.key;
-      }
+  std::vector<std::optional<Digest>> results() const {
+    std::vector<std::optional<Digest>> digests(total_);
+    for (std::size_t i = 0; i < total_; ++i) {
+      if (members_[i].state == State::failed || members_[i].state == State::unique) continue;
+      // A name settled by its source has the source's outcome: the whole read of that one
+      // file, or its failure.
+      const Member& source = members_[members_[i].source];
+      if (source.state == State::hashed) digests[i] = source.key;
     }
     return digests;
   }
 
-  const std::vector<SizeGroup>& groups_;
-  std::vector<GroupWork> work_;
+  const FileIndex& index_;
+  const FileIndex::SharedSizes& shared_;
+  const std::size_t firstRun_;
+  const std::uint32_t base_;  // the batch's first candidate in `shared_.files`
+  const std::size_t total_;   // candidates in the batch
+  const std::size_t settledBefore_;
+  const std::size_t reportEvery_;
+  std::vector<Member> members_;
+  std::vector<std::uint32_t> byInode_; // each group's members, names of one indexed inode side by side
+  std::vector<std::uint32_t> order_;   // each group's members by probe key, once its last probe is in
+  std::vector<std::uint32_t> probesLeft_;
   std::vector<ProbeTask> probes_;
-  std::size_t total_ = 0;
-  std::size_t reportEvery_;
 
   std::mutex mutex_;
   std::condition_variable workAvailable_;
   std::condition_variable settledChanged_;
-  std::deque<CompareTask> compares_;
+  std::vector<CompareTask> compares_; // never grows past its reserve, so workers never allocate
+  std::size_t nextCompare_ = 0;
   std::size_t nextProbe_ = 0;
   std::size_t running_ = 0;
   std::size_t settled_ = 0;
@@ -566,11 +614,24 @@ private:
 
 } // namespace
 
-std::vector<std::vector<std::optional<Digest>>> ContentHasher::digests(const std::vector<SizeGroup>& groups, unsigned workers,
-                                                                       std::size_t reportEvery,
-                                                                       const SettledCallback& onSettled) {
-  HashRun run(groups, reportEvery);
-  return run.run(workers, onSettled);
+void ContentHasher::digests(const FileIndex& index, const FileIndex::SharedSizes& shared, unsigned workers,
+                            std::size_t reportEvery, const SettledCallback& onSettled, const DigestsCallback& onDigests,
+                            std::size_t batchSize) {
+  if (shared.runs.empty()) return;
+  std::vector<WorkerScratch> scratch(std::max(workers, 1u));
+  std::size_t settled = 0;
+  for (std::size_t first = 0; first < shared.runs.size();) {
+    std::size_t end = first + 1;
+    while (end < shared.runs.size() && shared.runs[end].end - shared.runs[first].begin <= batchSize) ++end;
+    std::vector<std::optional<Digest>> batch;
+    {
+      HashRun run(index, shared, first, end, settled, reportEvery);
+      batch = run.run(scratch, onSettled);
+    }
+    settled += batch.size();
+    if (onDigests) onDigests(first, end, batch);
+    first = end;
+  }
 }
 
 } // namespace halcyra::duplicates

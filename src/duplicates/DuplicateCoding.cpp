@@ -4,6 +4,9 @@
 
 #include <fmt/format.h>
 
+#include "core/JsonText.h"
+#include "core/Uuid.h"
+
 namespace halcyra::duplicates {
 namespace {
 
@@ -116,6 +119,45 @@ void from_json(const nlohmann::json& json, DuplicateCleanResult& result) {
   json.at("freedBytes").get_to(result.freedBytes);
   json.at("filesDeleted").get_to(result.filesDeleted);
   json.at("duration").get_to(result.duration);
+}
+
+void writeJson(const FoundDuplicates& found, SelectionStrategy strategy, const std::function<void(std::string_view)>& write) {
+  if (found.groupCount() == 0) {
+    write("[]");
+    return;
+  }
+  // Keys in the order the records' JSON objects keep them: sorted.
+  std::string text = "[\n";
+  std::string path;
+  for (std::size_t g = 0; g < found.groupCount(); ++g) {
+    const std::string size = std::to_string(found.fileSize(g));
+    text += "  {\n    \"fileHash\": ";
+    text += core::jsonStringLiteral(found.fileHash(g));
+    text += ",\n    \"fileSize\": ";
+    text += size;
+    text += ",\n    \"files\": [";
+    for (std::size_t position = 0; position < found.fileCount(g); ++position) {
+      found.path(g, position, path);
+      text += position == 0 ? "\n      {\n        \"id\": " : ",\n      {\n        \"id\": ";
+      text += core::jsonStringLiteral(core::makeUuid());
+      text += ",\n        \"isSelected\": ";
+      text += found.isSelected(g, position, strategy) ? "true" : "false";
+      text += ",\n        \"modificationDate\": ";
+      text += core::jsonStringLiteral(dateText(found.modificationDate(g, position)));
+      text += ",\n        \"path\": ";
+      text += core::jsonStringLiteral(path);
+      text += ",\n        \"size\": ";
+      text += size;
+      text += "\n      }";
+    }
+    text += "\n    ],\n    \"id\": ";
+    text += core::jsonStringLiteral(core::makeUuid());
+    text += ",\n    \"representativeFileName\": ";
+    text += core::jsonStringLiteral(found.representativeFileName(g));
+    text += g + 1 < found.groupCount() ? "\n  },\n" : "\n  }\n]";
+    write(text);
+    text.clear();
+  }
 }
 
 } // namespace halcyra::duplicates

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,8 @@
 #include "duplicates/DuplicateCleanResult.h"
 #include "duplicates/DuplicateFile.h"
 #include "duplicates/DuplicateGroup.h"
+#include "duplicates/FoundDuplicates.h"
+#include "duplicates/SelectionStrategy.h"
 
 namespace halcyra::duplicates {
 
@@ -27,5 +30,11 @@ void to_json(nlohmann::json& json, const DuplicateGroup& group);
 void from_json(const nlohmann::json& json, DuplicateGroup& group);
 void to_json(nlohmann::json& json, const DuplicateCleanResult& result);
 void from_json(const nlohmann::json& json, DuplicateCleanResult& result);
+
+/// Writes the groups, with `strategy`'s selection and fresh ids, as the text that
+/// `core::toJsonText` makes of their records as a JSON array (indented by two, keys in the
+/// same order), without a final newline. One group at a time goes to `write`, so the whole
+/// text is never held.
+void writeJson(const FoundDuplicates& found, SelectionStrategy strategy, const std::function<void(std::string_view)>& write);
 
 } // namespace halcyra::duplicates

@@ -2,14 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <map>
-#include <numeric>
 #include <sys/stat.h>
 #include <thread>
 
 #include <fmt/format.h>
 
-#include "core/Uuid.h"
 #include "duplicates/ContentHasher.h"
 #include "duplicates/FileIndex.h"
 #include "duplicates/RemovalCommand.h"
@@ -22,46 +19,10 @@ constexpr std::size_t kIndexedEvery = 500;
 constexpr std::size_t kHashedEvery = 50;
 constexpr std::size_t kDeletedEvery = 10;
 
-std::string hexText(const Digest& digest) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  text.reserve(digest.size() * 2);
-  for (const unsigned char byte : digest) {
-    text.push_back(kDigits[byte >> 4]);
-    text.push_back(kDigits[byte & 0x0F]);
-  }
-  return text;
-}
-
-std::string lastPathComponent(const std::string& path) {
-  const auto slash = path.rfind('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
 // The size attribute of the name itself, 0 when it cannot be read.
 std::int64_t sizeAttribute(const std::string& path) {
   struct stat info {};
   return ::lstat(path.c_str(), &info) == 0 ? static_cast<std::int64_t>(info.st_size) : 0;
-}
-
-// Oldest first; equal dates keep the order in which the walk found the files.
-// The paths move into the group: the size table is not needed after this.
-DuplicateGroup makeGroup(SizeGroup& sizeGroup, std::vector<std::uint32_t> members, const Digest& digest) {
-  auto& files = sizeGroup.files;
-  std::stable_sort(members.begin(), members.end(), [&](std::uint32_t a, std::uint32_t b) {
-    return files[a].modificationDate < files[b].modificationDate;
-  });
-  DuplicateGroup group;
-  group.fileSize = sizeAttribute(files[members.front()].path);
-  group.files.reserve(members.size());
-  for (std::size_t position = 0; position < members.size(); ++position) {
-    IndexedFile& file = files[members[position]];
-    group.files.push_back(DuplicateFile{core::makeUuid(), std::move(file.path), group.fileSize, file.modificationDate, position != 0});
-  }
-  group.fileHash = hexText(digest).substr(0, 12);
-  group.representativeFileName = lastPathComponent(group.files.front().path);
-  group.id = core::makeUuid();
-  return group;
 }
 
 } // namespace
@@ -72,44 +33,87 @@ unsigned DuplicateFileService::hashingWorkers() { return std::clamp(std::thread:
 
 std::vector<DuplicateGroup> DuplicateFileService::scan(const std::string& directory, std::int64_t minFileSize,
                                                        const StatusCallback& onProgress) const {
+  return find(directory, minFileSize, onProgress).records();
+}
+
+FoundDuplicates DuplicateFileService::find(const std::string& directory, std::int64_t minFileSize,
+                                           const StatusCallback& onProgress) const {
   auto post = [&](const std::string& text) {
     if (onProgress) onProgress(text);
   };
+  FoundDuplicates found;
   post("Indexing files…");
-  auto sizeGroups = FileIndex::sharedSizes(directory, minFileSize, [&](std::size_t count) {
+  auto index = FileIndex::build(directory, minFileSize, [&](std::size_t count) {
     if (count % kIndexedEvery == 0) post(fmt::format("Indexed {} files…", count));
   });
-  if (!sizeGroups) return {};
+  if (!index) return found;
 
-  std::size_t candidates = 0;
-  for (const auto& sizeGroup : *sizeGroups) candidates += sizeGroup.files.size();
-  post(fmt::format("Found {} candidates in {} size groups", candidates, sizeGroups->size()));
+  const auto shared = index->sharedSizes();
+  const std::size_t candidates = shared.files.size();
+  post(fmt::format("Found {} candidates in {} size groups", candidates, shared.runs.size()));
 
+  auto& groups = found.groups_;
+  auto& members = found.files_;
+  std::vector<std::uint32_t> byDigest;
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> classes; // (first position, start in byDigest)
+  std::string path;
   std::size_t nextMark = kHashedEvery;
-  const auto digests = ContentHasher::digests(*sizeGroups, hashingWorkers(), kHashedEvery, [&](std::size_t settled) {
-    for (; nextMark <= settled; nextMark += kHashedEvery) post(fmt::format("Hashing file {}/{}…", nextMark, candidates));
-  });
+  ContentHasher::digests(
+      *index, shared, hashingWorkers(), kHashedEvery,
+      [&](std::size_t settled) {
+        for (; nextMark <= settled; nextMark += kHashedEvery) post(fmt::format("Hashing file {}/{}…", nextMark, candidates));
+      },
+      [&](std::size_t firstRun, std::size_t endRun, std::span<const std::optional<Digest>> digests) {
+        std::size_t offset = 0;
+        for (std::size_t r = firstRun; r < endRun; ++r) {
+          const auto& run = shared.runs[r];
+          const auto count = static_cast<std::uint32_t>(run.end - run.begin);
+          const auto digestOf = [&](std::uint32_t position) -> const Digest& { return *digests[offset + position]; };
+          // Positions by digest, walk order within one digest: each run of two or more is a
+          // group, and its first position is where the walk met that digest first.
+          byDigest.clear();
+          for (std::uint32_t i = 0; i < count; ++i) {
+            if (digests[offset + i]) byDigest.push_back(i);
+          }
+          std::stable_sort(byDigest.begin(), byDigest.end(),
+                           [&](std::uint32_t a, std::uint32_t b) { return digestOf(a) < digestOf(b); });
+          classes.clear();
+          for (std::size_t i = 0; i < byDigest.size();) {
+            std::size_t j = i + 1;
+            while (j < byDigest.size() && digestOf(byDigest[j]) == digestOf(byDigest[i])) ++j;
+            if (j - i >= 2) classes.emplace_back(byDigest[i], static_cast<std::uint32_t>(i));
+            i = j;
+          }
+          std::sort(classes.begin(), classes.end());
+          for (const auto& [firstPosition, start] : classes) {
+            FoundDuplicates::Group group;
+            group.begin = static_cast<std::uint32_t>(members.size());
+            for (std::size_t k = start; k < byDigest.size() && digestOf(byDigest[k]) == digestOf(firstPosition); ++k) {
+              members.push_back(shared.files[run.begin + byDigest[k]]);
+            }
+            group.end = static_cast<std::uint32_t>(members.size());
+            // Oldest first; equal dates keep the order in which the walk found the files.
+            std::stable_sort(members.begin() + group.begin, members.end(), [&](std::uint32_t a, std::uint32_t b) {
+              return index->modificationDate(a) < index->modificationDate(b);
+            });
+            index->path(members[group.begin], path);
+            group.fileSize = sizeAttribute(path);
+            std::copy_n(digestOf(firstPosition).begin(), group.hash.size(), group.hash.begin());
+            groups.push_back(group);
+          }
+          offset += count;
+        }
+      });
 
-  std::vector<DuplicateGroup> groups;
-  for (std::size_t g = 0; g < sizeGroups->size(); ++g) {
-    // Digests in the order their first file was found, each with its files in walk order.
-    std::map<Digest, std::size_t> slotOf;
-    std::vector<std::pair<Digest, std::vector<std::uint32_t>>> byDigest;
-    for (std::uint32_t i = 0; i < digests[g].size(); ++i) {
-      if (!digests[g][i]) continue;
-      const auto [it, added] = slotOf.try_emplace(*digests[g][i], byDigest.size());
-      if (added) byDigest.emplace_back(*digests[g][i], std::vector<std::uint32_t>{});
-      byDigest[it->second].second.push_back(i);
-    }
-    for (auto& [digest, members] : byDigest) {
-      if (members.size() >= 2) groups.push_back(makeGroup((*sizeGroups)[g], std::move(members), digest));
-    }
-  }
-  std::stable_sort(groups.begin(), groups.end(), [](const DuplicateGroup& a, const DuplicateGroup& b) {
-    return a.totalWastedSize() > b.totalWastedSize();
+  std::stable_sort(groups.begin(), groups.end(), [](const FoundDuplicates::Group& a, const FoundDuplicates::Group& b) {
+    const auto wasted = [](const FoundDuplicates::Group& group) {
+      return static_cast<std::int64_t>(group.end - group.begin - 1) * group.fileSize;
+    };
+    return wasted(a) > wasted(b);
   });
+  found.index_ = std::move(*index);
   post(fmt::format("Found {} duplicate groups", groups.size()));
-  return groups;
+  return found;
 }
 
 DuplicateCleanResult DuplicateFileService::deleteFiles(const std::vector<std::string>& paths,

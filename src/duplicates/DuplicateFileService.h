@@ -7,6 +7,7 @@
 
 #include "duplicates/DuplicateCleanResult.h"
 #include "duplicates/DuplicateGroup.h"
+#include "duplicates/FoundDuplicates.h"
 #include "platform/Platform.h"
 
 namespace halcyra::duplicates {
@@ -25,6 +26,8 @@ public:
   /// oldest selected. A folder that cannot be read gives no groups and no error.
   std::vector<DuplicateGroup> scan(const std::string& directory, std::int64_t minFileSize,
                                    const StatusCallback& onProgress) const;
+  /// The same scan, its groups held compactly: records are made only when asked for.
+  FoundDuplicates find(const std::string& directory, std::int64_t minFileSize, const StatusCallback& onProgress) const;
 
   /// Deletes the files at `paths` one by one, then makes one privileged attempt for all that
   /// stayed. Never fails as a whole: a path that stays is simply not counted.

@@ -5,11 +5,10 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
-#include <string_view>
+#include <limits>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <unordered_map>
 
 #include "duplicates/PackageNames.h"
 
@@ -18,18 +17,8 @@ namespace {
 
 constexpr std::array<std::string_view, 6> kExcludedNames{".Trash", "node_modules", ".git", "DerivedData", "Build", ".build"};
 
-FileDate modificationDateOf(const struct stat& info) {
-  using namespace std::chrono;
-  return FileDate(seconds(info.st_mtim.tv_sec) + duration_cast<microseconds>(nanoseconds(info.st_mtim.tv_nsec)));
-}
-
-std::string joined(const std::string& folder, std::string_view name) {
-  std::string path;
-  path.reserve(folder.size() + 1 + name.size());
-  path += folder;
-  if (path.empty() || path.back() != '/') path.push_back('/');
-  path += name;
-  return path;
+std::int64_t microsecondsOf(const struct stat& info) {
+  return static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1'000'000 + info.st_mtim.tv_nsec / 1000;
 }
 
 // The folder without trailing slashes, so that the paths below it read "dir/file", not
@@ -39,30 +28,97 @@ std::string withoutTrailingSlashes(std::string path) {
   return path;
 }
 
+void appendComponent(std::string& path, std::string_view name) {
+  if (path.empty() || path.back() != '/') path.push_back('/');
+  path += name;
+}
+
 } // namespace
+
+std::uint32_t FileIndex::NameArena::add(std::string_view name) {
+  const std::size_t needed = name.size() + 1;
+  if (capacity_ - used_ < needed) {
+    const std::size_t start = starts_.empty() ? 0 : std::size_t{starts_.back()} + used_;
+    const std::size_t capacity = std::max(kChunk, needed);
+    if (start + capacity > std::numeric_limits<std::uint32_t>::max()) throw std::length_error("too many file names");
+    chunks_.push_back(std::make_unique_for_overwrite<char[]>(capacity));
+    starts_.push_back(static_cast<std::uint32_t>(start));
+    used_ = 0;
+    capacity_ = capacity;
+  }
+  char* at = chunks_.back().get() + used_;
+  std::copy(name.begin(), name.end(), at);
+  at[name.size()] = '\0';
+  const auto handle = static_cast<std::uint32_t>(starts_.back() + used_);
+  used_ += needed;
+  return handle;
+}
+
+std::string_view FileIndex::NameArena::at(std::uint32_t handle) const {
+  const auto chunk = static_cast<std::size_t>(std::upper_bound(starts_.begin(), starts_.end(), handle) - starts_.begin()) - 1;
+  return chunks_[chunk].get() + (handle - starts_[chunk]);
+}
 
 bool FileIndex::isExcludedName(std::string_view name) {
   return std::find(kExcludedNames.begin(), kExcludedNames.end(), name) != kExcludedNames.end();
 }
 
-std::optional<std::vector<SizeGroup>> FileIndex::sharedSizes(const std::string& root, std::int64_t minFileSize,
-                                                             const IndexedCallback& onIndexed) {
+std::uint32_t FileIndex::deviceIndex(dev_t device) {
+  // Nearly always one device, rarely a few: a short list searched from the end.
+  for (std::size_t i = devices_.size(); i-- > 0;) {
+    if (devices_[i] == device) return static_cast<std::uint32_t>(i);
+  }
+  devices_.push_back(device);
+  return static_cast<std::uint32_t>(devices_.size() - 1);
+}
+
+void FileIndex::folderPath(std::uint32_t folder, std::string& out) const {
+  // Components from the folder up to the root, then written root first.
+  std::uint32_t chain[64];
+  std::size_t depth = 0;
+  std::uint32_t at = folder;
+  while (folders_[at].parent != at && depth < std::size(chain)) {
+    chain[depth++] = at;
+    at = folders_[at].parent;
+  }
+  if (folders_[at].parent != at) {
+    // Deeper than the chain holds: the part above is put together first.
+    folderPath(at, out);
+  } else {
+    out.assign(names_.at(folders_[at].name));
+  }
+  while (depth > 0) appendComponent(out, names_.at(folders_[chain[--depth]].name));
+}
+
+void FileIndex::path(std::size_t file, std::string& out) const {
+  folderPath(files_[file].folder, out);
+  appendComponent(out, names_.at(files_[file].name));
+}
+
+std::string FileIndex::path(std::size_t file) const {
+  std::string out;
+  path(file, out);
+  return out;
+}
+
+std::optional<FileIndex> FileIndex::build(const std::string& root, std::int64_t minFileSize,
+                                          const IndexedCallback& onIndexed) {
   const std::string top = withoutTrailingSlashes(root);
   // The chosen folder itself may be reached through a link; nothing below it is.
   const int rootDescriptor = ::open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (rootDescriptor < 0) return std::nullopt;
 
-  std::vector<IndexedFile> found;
-  std::vector<std::string> pending; // folders still to read; an explicit stack, so depth costs no call stack
-  std::vector<std::string> subfolders;
+  FileIndex index;
+  index.folders_.push_back(Folder{0, index.names_.add(top)});
+  std::vector<std::uint32_t> pending; // folders still to read; an explicit stack, so depth costs no call stack
+  std::string folderPath;
   int descriptor = rootDescriptor;
-  std::string folder = top;
+  std::uint32_t folder = 0;
   for (;;) {
     if (descriptor >= 0) {
-      if (DIR* opened = ::fdopendir(descriptor)) {
-        const std::unique_ptr<DIR, int (*)(DIR*)> listing(opened, ::closedir);
-        subfolders.clear();
-        while (const dirent* entry = ::readdir(listing.get())) {
+      if (DIR* listing = ::fdopendir(descriptor)) {
+        const auto firstSubfolder = static_cast<std::uint32_t>(index.folders_.size());
+        while (const dirent* entry = ::readdir(listing)) {
           const std::string_view name = entry->d_name;
           if (isExcludedName(name)) continue;
           if (name.front() == '.') continue; // hidden, and "." and ".."
@@ -75,48 +131,61 @@ std::optional<std::vector<SizeGroup>> FileIndex::sharedSizes(const std::string& 
             type = S_ISREG(info.st_mode) ? DT_REG : S_ISDIR(info.st_mode) ? DT_DIR : DT_UNKNOWN;
           }
           if (type == DT_DIR) {
-            if (!isPackageName(name)) subfolders.emplace_back(name);
+            if (!isPackageName(name)) index.folders_.push_back(Folder{folder, index.names_.add(name)});
             continue;
           }
           if (type != DT_REG || !haveInfo) continue;
           const std::int64_t size = info.st_size;
           if (size < minFileSize) continue;
-          found.push_back(IndexedFile{joined(folder, name), size, modificationDateOf(info), info.st_dev, info.st_ino});
-          if (onIndexed) onIndexed(found.size());
+          index.files_.push_back(FileRecord{size, microsecondsOf(info), info.st_ino, folder, index.names_.add(name),
+                                            index.deviceIndex(info.st_dev)});
+          if (onIndexed) onIndexed(index.files_.size());
         }
+        ::closedir(listing);
         // Reversed, so that the first sub-folder listed is read next.
-        for (auto it = subfolders.rbegin(); it != subfolders.rend(); ++it) pending.push_back(joined(folder, *it));
+        for (auto sub = static_cast<std::uint32_t>(index.folders_.size()); sub-- > firstSubfolder;) pending.push_back(sub);
       } else {
         ::close(descriptor);
       }
     }
     if (pending.empty()) break;
-    folder = std::move(pending.back());
+    folder = pending.back();
     pending.pop_back();
+    index.folderPath(folder, folderPath);
     // O_NOFOLLOW: a folder swapped for a link since it was listed is not entered.
-    descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    descriptor = ::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   }
+  return index;
+}
 
-  // Sizes in the order their first file was found; only sizes shared by two files or more.
-  struct SizeSlot {
-    std::size_t count = 0;
-    std::size_t group = 0;
-  };
-  std::unordered_map<std::int64_t, SizeSlot> slots;
-  slots.reserve(found.size());
-  for (const auto& file : found) ++slots[file.size].count;
-  std::vector<SizeGroup> groups;
-  for (auto& file : found) {
-    SizeSlot& slot = slots[file.size];
-    if (slot.count < 2) continue;
-    if (slot.group == 0) {
-      groups.push_back(SizeGroup{file.size, {}});
-      groups.back().files.reserve(slot.count);
-      slot.group = groups.size();
-    }
-    groups[slot.group - 1].files.push_back(std::move(file));
+FileIndex::SharedSizes FileIndex::sharedSizes() const {
+  // Every file by size, and by walk order within a size; runs of two or more are the shared
+  // sizes, and the first file of a run is the first of its size the walk found.
+  std::vector<std::uint32_t> bySize(files_.size());
+  for (std::uint32_t i = 0; i < bySize.size(); ++i) bySize[i] = i;
+  std::sort(bySize.begin(), bySize.end(), [&](std::uint32_t a, std::uint32_t b) {
+    const std::int64_t sizeA = files_[a].size, sizeB = files_[b].size;
+    return sizeA != sizeB ? sizeA < sizeB : a < b;
+  });
+  SharedSizes shared;
+  for (std::size_t i = 0; i < bySize.size();) {
+    std::size_t j = i + 1;
+    while (j < bySize.size() && files_[bySize[j]].size == files_[bySize[i]].size) ++j;
+    if (j - i >= 2) shared.runs.push_back(SizeRun{files_[bySize[i]].size, static_cast<std::uint32_t>(i), static_cast<std::uint32_t>(j)});
+    i = j;
   }
-  return groups;
+  std::sort(shared.runs.begin(), shared.runs.end(),
+            [&](const SizeRun& a, const SizeRun& b) { return bySize[a.begin] < bySize[b.begin]; });
+  std::size_t total = 0;
+  for (const auto& run : shared.runs) total += run.end - run.begin;
+  shared.files.reserve(total);
+  for (auto& run : shared.runs) {
+    const auto begin = static_cast<std::uint32_t>(shared.files.size());
+    shared.files.insert(shared.files.end(), bySize.begin() + run.begin, bySize.begin() + run.end);
+    run.begin = begin;
+    run.end = static_cast<std::uint32_t>(shared.files.size());
+  }
+  return shared;
 }
 
 } // namespace halcyra::duplicates

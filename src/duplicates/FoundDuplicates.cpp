@@ -1,0 +1,37 @@
+#include "duplicates/FoundDuplicates.h"
+
+#include "core/Uuid.h"
+
+namespace halcyra::duplicates {
+
+std::string FoundDuplicates::fileHash(std::size_t group) const {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  text.reserve(groups_[group].hash.size() * 2);
+  for (const unsigned char byte : groups_[group].hash) {
+    text.push_back(kDigits[byte >> 4]);
+    text.push_back(kDigits[byte & 0x0F]);
+  }
+  return text;
+}
+
+std::vector<DuplicateGroup> FoundDuplicates::records() const {
+  std::vector<DuplicateGroup> records;
+  records.reserve(groups_.size());
+  for (std::size_t g = 0; g < groups_.size(); ++g) {
+    DuplicateGroup group;
+    group.id = core::makeUuid();
+    group.fileHash = fileHash(g);
+    group.representativeFileName = representativeFileName(g);
+    group.fileSize = fileSize(g);
+    group.files.reserve(fileCount(g));
+    for (std::size_t position = 0; position < fileCount(g); ++position) {
+      group.files.push_back(DuplicateFile{core::makeUuid(), index_.path(fileAt(g, position)), group.fileSize,
+                                          modificationDate(g, position), position != 0});
+    }
+    records.push_back(std::move(group));
+  }
+  return records;
+}
+
+} // namespace halcyra::duplicates
