@@ -155,28 +155,79 @@ struct Candidate {
 };
 
 // Log events, each a tag byte followed by numbers (7 bits a byte, lowest first):
-//   entered:    files met before, name length, then the name's bytes
-//   left:       bytes of the folder's own files (and of everything below a limit folder),
-//               its file count
-//   handedAway: files met before, index of the task
+//   entered:    files the task met since its previous event, name length, the name's bytes
+//   left:       the folder's own bytes in units of 512 (every size is a count of 512-byte
+//               blocks), its file count
+//   handedAway: files the task met since its previous event, index of the task
 enum class Tag : unsigned char { entered, left, leftDenied, handedAway };
 
-void putNumber(std::string& log, std::uint64_t value) {
-  while (value >= 0x80) {
-    log.push_back(static_cast<char>((value & 0x7F) | 0x80));
-    value >>= 7;
+// The events of one task not yet replayed, in blocks of a fixed size: the log grows without
+// copying or spare room, and the replay frees each block it has read through.
+class EventLog {
+public:
+  void put(unsigned char byte) {
+    if (writeAt_ == kBlockBytes) {
+      auto block = std::make_unique<Block>();
+      Block* added = block.get();
+      if (tail_ == nullptr) {
+        head_ = std::move(block);
+        readAt_ = 0;
+      } else {
+        tail_->next = std::move(block);
+      }
+      tail_ = added;
+      writeAt_ = 0;
+    }
+    tail_->bytes[writeAt_++] = byte;
   }
-  log.push_back(static_cast<char>(value));
-}
+  void putNumber(std::uint64_t value) {
+    while (value >= 0x80) {
+      put(static_cast<unsigned char>((value & 0x7F) | 0x80));
+      value >>= 7;
+    }
+    put(static_cast<unsigned char>(value));
+  }
+  void putBytes(std::string_view bytes) {
+    for (const char byte : bytes) put(static_cast<unsigned char>(byte));
+  }
 
-std::uint64_t takeNumber(const char*& at) {
-  std::uint64_t value = 0;
-  for (int shift = 0;; shift += 7) {
-    const auto byte = static_cast<unsigned char>(*at++);
-    value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
-    if (byte < 0x80) return value;
+  bool empty() const { return head_ == nullptr || (head_.get() == tail_ && readAt_ == writeAt_); }
+  unsigned char take() {
+    if (readAt_ == kBlockBytes) {
+      head_ = std::move(head_->next);
+      readAt_ = 0;
+    }
+    return head_->bytes[readAt_++];
   }
-}
+  std::uint64_t takeNumber() {
+    std::uint64_t value = 0;
+    for (int shift = 0;; shift += 7) {
+      const unsigned char byte = take();
+      value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
+      if (byte < 0x80) return value;
+    }
+  }
+  void takeBytes(std::string& into, std::size_t count) {
+    into.clear();
+    for (std::size_t i = 0; i < count; ++i) into.push_back(static_cast<char>(take()));
+  }
+  // Once all is read, the last block is written again from its start.
+  void rewind() {
+    if (head_ != nullptr) readAt_ = writeAt_ = 0;
+  }
+
+private:
+  static constexpr std::size_t kBlockBytes = 1024 - sizeof(void*);
+  struct Block {
+    std::unique_ptr<Block> next;
+    unsigned char bytes[kBlockBytes];
+  };
+
+  std::unique_ptr<Block> head_;
+  Block* tail_ = nullptr;
+  std::size_t readAt_ = 0;
+  std::size_t writeAt_ = kBlockBytes;
+};
 
 struct Task {
   // What to walk.
@@ -194,8 +245,8 @@ struct Task {
   std::vector<Candidate> largest;
 
   // Guarded by Scan::mutex.
-  std::string log;
-  std::size_t replayed = 0;
+  EventLog log;
+  std::int64_t filesLogged = 0; // `files` when the last event was logged
   bool done = false;
   std::int64_t firstFile = 0; // sequential index of the first file met in this task
 };
@@ -238,33 +289,33 @@ public:
   void addRoot(Task task) {
     tasks_.push_back(std::make_unique<Task>(std::move(task)));
     queue_.push_back(0);
-    cursor_.push_back({0, 0, {}});
+    cursor_.push_back({0, 0, 0, {}});
   }
 
   void work();
 
   void logEntered(Task& task, std::string_view name) {
     std::lock_guard lock(mutex_);
-    task.log.push_back(static_cast<char>(Tag::entered));
-    putNumber(task.log, static_cast<std::uint64_t>(task.files));
-    putNumber(task.log, name.size());
-    task.log.append(name);
+    task.log.put(static_cast<unsigned char>(Tag::entered));
+    putFilesSince(task);
+    task.log.putNumber(name.size());
+    task.log.putBytes(name);
     advance();
   }
 
   void logLeft(Task& task, std::int64_t bytes, std::int64_t fileCount, bool denied) {
     std::lock_guard lock(mutex_);
-    task.log.push_back(static_cast<char>(denied ? Tag::leftDenied : Tag::left));
-    putNumber(task.log, static_cast<std::uint64_t>(bytes));
-    putNumber(task.log, static_cast<std::uint64_t>(fileCount));
+    task.log.put(static_cast<unsigned char>(denied ? Tag::leftDenied : Tag::left));
+    task.log.putNumber(static_cast<std::uint64_t>(bytes) / 512);
+    task.log.putNumber(static_cast<std::uint64_t>(fileCount));
     advance();
   }
 
   void logHandedAway(Task& task, std::size_t child) {
     std::lock_guard lock(mutex_);
-    task.log.push_back(static_cast<char>(Tag::handedAway));
-    putNumber(task.log, static_cast<std::uint64_t>(task.files));
-    putNumber(task.log, child);
+    task.log.put(static_cast<unsigned char>(Tag::handedAway));
+    putFilesSince(task);
+    task.log.putNumber(child);
     advance();
   }
 
@@ -293,6 +344,7 @@ private:
   };
   struct CursorFrame {
     std::size_t task;
+    std::int64_t ownFiles;   // files of the task itself replayed so far
     std::int64_t childFiles; // files of the handed-away tasks replayed so far
     std::vector<Handed> handed;
   };
@@ -303,6 +355,11 @@ private:
   };
 
   void updateHungry() { hungry_.store(idle_ > 0 && queue_.empty(), std::memory_order_relaxed); }
+
+  static void putFilesSince(Task& task) {
+    task.log.putNumber(static_cast<std::uint64_t>(task.files - task.filesLogged));
+    task.filesLogged = task.files;
+  }
 
   void advance();
   void replayEvent(CursorFrame& at, Task& task);
@@ -328,6 +385,7 @@ private:
   std::vector<CursorFrame> cursor_;
   std::vector<OpenFolder> folders_;
   std::string path_;
+  std::string name_;
   std::int64_t directories_ = 0;
   std::int64_t files_ = 0;
   std::int64_t totalSize_ = 0;
@@ -339,54 +397,44 @@ void Scan::advance() {
   while (!cursor_.empty()) {
     CursorFrame& at = cursor_.back();
     Task& task = *tasks_[at.task];
-    if (task.replayed < task.log.size()) {
+    if (!task.log.empty()) {
       replayEvent(at, task);
       continue;
     }
-    // Caught up: what was replayed is not needed again.
-    if (task.log.capacity() > 4096) {
-      std::string().swap(task.log);
-    } else {
-      task.log.clear();
-    }
-    task.replayed = 0;
+    task.log.rewind(); // caught up: what was replayed is not needed again
     if (!task.done) return;
     finishTask(at, task);
   }
 }
 
 void Scan::replayEvent(CursorFrame& at, Task& task) {
-  const char* const begin = task.log.data();
-  const char* event = begin + task.replayed;
-  const auto tag = static_cast<Tag>(*event++);
+  const auto tag = static_cast<Tag>(task.log.take());
   switch (tag) {
   case Tag::entered: {
-    const auto filesBefore = static_cast<std::int64_t>(takeNumber(event));
-    const auto length = static_cast<std::size_t>(takeNumber(event));
-    const std::string_view name(event, length);
-    event += length;
+    at.ownFiles += static_cast<std::int64_t>(task.log.takeNumber());
+    task.log.takeBytes(name_, static_cast<std::size_t>(task.log.takeNumber()));
     OpenFolder folder;
     folder.parentPathLength = path_.size();
     if (folders_.empty()) {
       path_ = rootPath_;
     } else {
       path_.push_back('/');
-      path_.append(name);
+      path_.append(name_);
     }
     folders_.push_back(folder);
     ++directories_;
-    sink_.enterFolder(name, path_.empty() ? std::string_view("/") : std::string_view(path_));
+    sink_.enterFolder(name_, path_.empty() ? std::string_view("/") : std::string_view(path_));
     if (directories_ % DiskAnalyzerService::kStatusInterval == 0) {
-      const std::int64_t filesNow = task.firstFile + at.childFiles + filesBefore;
-      onProgress_("Scanning: " + std::string(name) + " (" + std::to_string(filesNow) + " files found)");
+      const std::int64_t filesNow = task.firstFile + at.childFiles + at.ownFiles;
+      onProgress_("Scanning: " + name_ + " (" + std::to_string(filesNow) + " files found)");
     }
-    break;
+    return;
   }
   case Tag::left:
   case Tag::leftDenied: {
     FolderSink::Totals totals;
-    totals.size = static_cast<std::int64_t>(takeNumber(event));
-    totals.fileCount = static_cast<std::int64_t>(takeNumber(event));
+    totals.size = static_cast<std::int64_t>(task.log.takeNumber() * 512);
+    totals.fileCount = static_cast<std::int64_t>(task.log.takeNumber());
     totals.isPermissionDenied = tag == Tag::leftDenied;
     const OpenFolder folder = folders_.back();
     folders_.pop_back();
@@ -398,19 +446,17 @@ void Scan::replayEvent(CursorFrame& at, Task& task) {
     } else {
       folders_.back().below += totals.size;
     }
-    break;
+    return;
   }
   case Tag::handedAway: {
-    const auto filesBefore = static_cast<std::int64_t>(takeNumber(event));
-    const auto child = static_cast<std::size_t>(takeNumber(event));
-    at.handed.push_back({filesBefore, 0});
-    tasks_[child]->firstFile = task.firstFile + at.childFiles + filesBefore;
-    task.replayed = static_cast<std::size_t>(event - begin);
-    cursor_.push_back({child, 0, {}}); // `at` is not used after this
+    at.ownFiles += static_cast<std::int64_t>(task.log.takeNumber());
+    const auto child = static_cast<std::size_t>(task.log.takeNumber());
+    at.handed.push_back({at.ownFiles, 0});
+    tasks_[child]->firstFile = task.firstFile + at.childFiles + at.ownFiles;
+    cursor_.push_back({child, 0, 0, {}}); // `at` is not used after this
     return;
   }
   }
-  task.replayed = static_cast<std::size_t>(event - begin);
 }
 
 // A task replayed to its end: its candidates get their sequential index and join the list,

@@ -8,8 +8,10 @@
 namespace halcyra::analyzer {
 namespace {
 
-// Text is handed on once this much has gathered.
-constexpr std::size_t kFlushSize = 16 * 1024;
+// Text is handed on once this much has gathered; the buffer is made once with room for the
+// longest object that can follow.
+constexpr std::size_t kFlushSize = 8 * 1024;
+constexpr std::size_t kBufferSize = kFlushSize + 8 * 1024;
 
 // The root's object is at level 1, each level of sub-folders two deeper.
 int levelOf(std::size_t index) { return 1 + 2 * static_cast<int>(index); }
@@ -17,6 +19,7 @@ int levelOf(std::size_t index) { return 1 + 2 * static_cast<int>(index); }
 } // namespace
 
 ScanJsonWriter::ScanJsonWriter(std::function<void(std::string_view)> write) : write_(std::move(write)) {
+  text_.reserve(kBufferSize);
   text_ = "{\n";
   key(1, "root");
 }
