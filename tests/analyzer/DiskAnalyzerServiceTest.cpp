@@ -13,9 +13,11 @@
 #include <unistd.h>
 
 #include "analyzer/DiskAnalyzerService.h"
+#include "support/OrdinaryRights.h"
 #include "support/TempDir.h"
 
 using namespace halcyra::analyzer;
+using halcyra::testing::OrdinaryRights;
 using halcyra::testing::TempDir;
 
 namespace {
@@ -70,22 +72,35 @@ class ReferenceWalk {
 public:
   DiskAnalyzerScanResult run(const std::string& path) {
     texts.push_back("Starting scan…");
+    events.push_back(texts.back());
     result.root = scanNode(path, path.substr(path.rfind('/') + 1), 0);
     result.totalSize = result.root.size;
     result.fileCount = files;
     result.directoryCount = directories;
     texts.push_back("Scan complete: " + std::to_string(files) + " files, " + std::to_string(directories) + " dirs");
+    events.push_back(texts.back());
     return result;
   }
 
   std::vector<std::string> texts;
+  /// Every folder entered and left, with the status texts where they come.
+  std::vector<std::string> events;
 
 private:
   DirectoryNode scanNode(const std::string& path, const std::string& name, int depth) {
     ++directories;
+    events.push_back("enter " + name + " " + path);
     if (directories % 300 == 0) {
       texts.push_back("Scanning: " + name + " (" + std::to_string(files) + " files found)");
+      events.push_back(texts.back());
     }
+    DirectoryNode node = scanInside(path, name, depth);
+    events.push_back("leave " + std::to_string(node.size) + " " + std::to_string(node.fileCount) +
+                     (node.isPermissionDenied ? " denied" : ""));
+    return node;
+  }
+
+  DirectoryNode scanInside(const std::string& path, const std::string& name, int depth) {
     DirectoryNode node;
     node.name = name;
     node.path = path;
@@ -196,6 +211,31 @@ void buildMixedTree(const TempDir& dir, unsigned randomState) {
   dir.symlink("tree/d3/loop", ".");
   dir.symlink("tree/outside", dir.path());
 }
+
+// One thread, every folder handed away, and threads that share work only when one is idle.
+std::vector<DiskAnalyzerService::Options> splitSetups() {
+  return {
+      {.workers = 1, .splitEveryFolder = false},
+      {.workers = 1, .splitEveryFolder = true},
+      {.workers = 2, .splitEveryFolder = true},
+      {.workers = 2, .splitEveryFolder = false},
+      {.workers = 3, .splitEveryFolder = false},
+  };
+}
+
+// Writes what a scan streams, folders entered and left, in the form ReferenceWalk::events has.
+class RecordingSink final : public FolderSink {
+public:
+  void enterFolder(std::string_view name, std::string_view path) override {
+    events.push_back("enter " + std::string(name) + " " + std::string(path));
+  }
+  void leaveFolder(const Totals& totals) override {
+    events.push_back("leave " + std::to_string(totals.size) + " " + std::to_string(totals.fileCount) +
+                     (totals.isPermissionDenied ? " denied" : ""));
+  }
+
+  std::vector<std::string> events;
+};
 
 } // namespace
 
@@ -394,14 +434,7 @@ TEST(DiskAnalyzerService, SplitWorkGivesTheSequentialResultAndTexts) {
   ASSERT_GE(expected.directoryCount, 600);
   ASSERT_EQ(expected.largestFiles.size(), 20u);
 
-  const std::vector<DiskAnalyzerService::Options> setups{
-      {.workers = 1, .splitEveryFolder = false},
-      {.workers = 1, .splitEveryFolder = true},
-      {.workers = 2, .splitEveryFolder = true},
-      {.workers = 2, .splitEveryFolder = false},
-      {.workers = 3, .splitEveryFolder = false},
-  };
-  for (const auto& options : setups) {
+  for (const auto& options : splitSetups()) {
     SCOPED_TRACE(std::to_string(options.workers) + (options.splitEveryFolder ? " split" : ""));
     const auto scanned = scan(dir / "tree", options);
     expectSameScan(scanned, expected, reference.texts);
@@ -423,6 +456,34 @@ TEST(DiskAnalyzerService, SplitWorkGivesTheSequentialResultAndTexts) {
     }
     EXPECT_EQ(ids.size(), count);
     EXPECT_EQ(scanned.result.root.id.size(), 36u);
+  }
+}
+
+TEST(DiskAnalyzerService, StreamedFoldersComeInWalkOrderWithEmptyAndUnreadableOnesAndTheTextsBetween) {
+  TempDir dir;
+  buildMixedTree(dir, 11);
+  dir.file("tree/locked/inner/secret", 4096);
+  dir.mkdir("tree/d5/empty-leaf");
+  ::chmod((dir / "tree/locked").c_str(), 0);
+  OrdinaryRights ordinary; // the scan's threads start from this one and inherit it
+  ReferenceWalk reference;
+  const auto expected = reference.run(dir / "tree");
+  ASSERT_NE(std::find(reference.events.begin(), reference.events.end(), "leave 0 0 denied"), reference.events.end());
+
+  for (const auto& options : splitSetups()) {
+    SCOPED_TRACE(std::to_string(options.workers) + (options.splitEveryFolder ? " split" : ""));
+    RecordingSink sink;
+    const auto summary = DiskAnalyzerService(options).scan(
+        dir / "tree", sink, [&](const std::string& text) { sink.events.push_back(text); });
+    EXPECT_EQ(sink.events, reference.events);
+    EXPECT_EQ(summary.totalSize, expected.totalSize);
+    EXPECT_EQ(summary.fileCount, expected.fileCount);
+    EXPECT_EQ(summary.directoryCount, expected.directoryCount);
+    ASSERT_EQ(summary.largestFiles.size(), expected.largestFiles.size());
+    for (std::size_t i = 0; i < expected.largestFiles.size(); ++i) {
+      EXPECT_EQ(summary.largestFiles[i].path, expected.largestFiles[i].path) << "place " << i;
+      EXPECT_EQ(summary.largestFiles[i].id.size(), 36u);
+    }
   }
 }
 
