@@ -2,7 +2,8 @@
 #include <cstring>
 #include <ctime>
 #include <cstdio>
-#include <filesystem>
+#include <cstdlib>
+#include <dirent.h>
 #include <limits>
 #include <string_view>
 #include <sys/stat.h>
@@ -51,12 +52,22 @@ std::string readableFolder(const std::string& given) {
     throw CommandError(fmt::format("cannot open folder {}: {}", given, std::strerror(errno)));
   }
   if (!S_ISDIR(info.st_mode)) throw CommandError(fmt::format("not a folder: {}", given));
-  std::error_code error;
-  const auto canonical = std::filesystem::canonical(given, error);
-  if (error) throw CommandError(fmt::format("cannot open folder {}: {}", given, error.message()));
-  std::filesystem::directory_iterator listing(canonical, error);
-  if (error) throw CommandError(fmt::format("cannot read folder {}: {}", given, error.message()));
-  return canonical.string();
+  // realpath and opendir directly: the file-system library would bring in code that only
+  // these two calls need.
+  char* resolved = ::realpath(given.c_str(), nullptr);
+  if (resolved == nullptr) {
+    const int error = errno;
+    throw CommandError(fmt::format("cannot open folder {}: {}", given, std::strerror(error)));
+  }
+  std::string canonical(resolved);
+  std::free(resolved);
+  DIR* listing = ::opendir(canonical.c_str());
+  if (listing == nullptr) {
+    const int error = errno;
+    throw CommandError(fmt::format("cannot read folder {}: {}", given, std::strerror(error)));
+  }
+  ::closedir(listing);
+  return canonical;
 }
 
 std::string localTime(duplicates::FileDate date) {

@@ -27,7 +27,7 @@ namespace {
 
 // One buffer per worker, used in two halves: when files are compared, one half holds the
 // first file's block and the other the block it is compared with.
-constexpr std::size_t kBufferSize = std::size_t{256} << 10;
+constexpr std::size_t kBufferSize = std::size_t{64} << 10;
 constexpr std::size_t kHalf = kBufferSize / 2;
 // The probe reads this much at each end of a file: enough to tell most files of one size
 // apart, little enough that a file it settles costs hardly more than its open.

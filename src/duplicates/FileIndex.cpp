@@ -63,13 +63,17 @@ bool FileIndex::isExcludedName(std::string_view name) {
   return std::find(kExcludedNames.begin(), kExcludedNames.end(), name) != kExcludedNames.end();
 }
 
-std::uint32_t FileIndex::deviceIndex(dev_t device) {
-  // Nearly always one device, rarely a few: a short list searched from the end.
-  for (std::size_t i = devices_.size(); i-- > 0;) {
-    if (devices_[i] == device) return static_cast<std::uint32_t>(i);
+void FileIndex::noteDevice(dev_t device) {
+  if (deviceRuns_.empty() || deviceRuns_.back().second != device) {
+    deviceRuns_.emplace_back(static_cast<std::uint32_t>(files_.size()), device);
   }
-  devices_.push_back(device);
-  return static_cast<std::uint32_t>(devices_.size() - 1);
+}
+
+dev_t FileIndex::device(std::size_t file) const {
+  if (deviceRuns_.size() == 1) return deviceRuns_.front().second;
+  const auto after = std::upper_bound(deviceRuns_.begin(), deviceRuns_.end(), file,
+                                      [](std::size_t number, const auto& run) { return number < run.first; });
+  return std::prev(after)->second;
 }
 
 void FileIndex::folderPath(std::uint32_t folder, std::string& out) const {
@@ -137,8 +141,8 @@ std::optional<FileIndex> FileIndex::build(const std::string& root, std::int64_t 
           if (type != DT_REG || !haveInfo) continue;
           const std::int64_t size = info.st_size;
           if (size < minFileSize) continue;
-          index.files_.push_back(FileRecord{size, microsecondsOf(info), info.st_ino, folder, index.names_.add(name),
-                                            index.deviceIndex(info.st_dev)});
+          index.noteDevice(info.st_dev);
+          index.files_.push_back(FileRecord{size, microsecondsOf(info), info.st_ino, folder, index.names_.add(name)});
           if (onIndexed) onIndexed(index.files_.size());
         }
         ::closedir(listing);

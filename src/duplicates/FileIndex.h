@@ -71,7 +71,7 @@ public:
   std::size_t size() const { return files_.size(); }
   std::int64_t fileSize(std::size_t file) const { return files_[file].size; }
   FileDate modificationDate(std::size_t file) const { return FileDate(std::chrono::microseconds(files_[file].modified)); }
-  dev_t device(std::size_t file) const { return devices_[files_[file].device]; }
+  dev_t device(std::size_t file) const;
   ino_t inode(std::size_t file) const { return files_[file].inode; }
   /// The last component of the file's path.
   std::string_view name(std::size_t file) const { return names_.at(files_[file].name); }
@@ -101,7 +101,6 @@ private:
     ino_t inode;
     std::uint32_t folder;
     std::uint32_t name;
-    std::uint32_t device; // index into `devices_`
   };
   struct Folder {
     std::uint32_t parent; // the root is its own parent
@@ -109,12 +108,14 @@ private:
   };
 
   void folderPath(std::uint32_t folder, std::string& out) const;
-  std::uint32_t deviceIndex(dev_t device);
+  void noteDevice(dev_t device);
 
   ChunkedArray<FileRecord> files_;
   ChunkedArray<Folder, 4096> folders_;
   NameArena names_;
-  std::vector<dev_t> devices_;
+  // (first file, device) wherever the device changes from one file to the next in walk
+  // order: one entry unless the tree spans file systems.
+  std::vector<std::pair<std::uint32_t, dev_t>> deviceRuns_;
 };
 
 } // namespace halcyra::duplicates

@@ -57,6 +57,25 @@ TEST_F(DuplicatesCommandTest, JsonListsEachGroupWithItsFilesAndSelection) {
   EXPECT_EQ(nlohmann::json::parse(small.standardOutput), nlohmann::json::array());
 }
 
+TEST_F(DuplicatesCommandTest, PlainListingMarksTheCopiesToRemoveAndSumsThem) {
+  const auto output = halcyra({dir.path(), "--keep", "newest"});
+  ASSERT_EQ(output.exitStatus, 0) << output.standardError;
+  const auto& text = output.standardOutput;
+  EXPECT_THAT(text, HasSubstr("a.jpg  "));
+  EXPECT_THAT(text, HasSubstr(" each, 2 copies\n"));
+  const auto removeLine = text.find("  remove  ");
+  const auto keepLine = text.find("  keep    ");
+  ASSERT_NE(removeLine, std::string::npos);
+  ASSERT_NE(keepLine, std::string::npos);
+  // Oldest first: the oldest copy goes when the newest is kept.
+  EXPECT_LT(removeLine, keepLine);
+  EXPECT_EQ(text.substr(text.find('\n', removeLine) - oldest.size(), oldest.size()), oldest);
+  EXPECT_THAT(text, HasSubstr("\n1 group, 1 copy to remove, 5 KB reclaimable\n"));
+
+  const auto none = halcyra({dir.path(), "--min-size", "6000"});
+  EXPECT_EQ(none.standardOutput, "No duplicate files found.\n");
+}
+
 TEST_F(DuplicatesCommandTest, DeletingNeedsYesWhenNoOneCanBeAsked) {
   const auto refused = halcyra({dir.path(), "--delete"});
   EXPECT_EQ(refused.exitStatus, 1);
