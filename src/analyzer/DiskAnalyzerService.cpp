@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -325,7 +324,7 @@ public:
     const std::size_t index = tasks_.size() - 1;
     queue_.push_back(index);
     updateHungry();
-    wake_.notify_one();
+    wake(false);
     return index;
   }
 
@@ -356,6 +355,18 @@ private:
 
   void updateHungry() { hungry_.store(idle_ > 0 && queue_.empty(), std::memory_order_relaxed); }
 
+  // Idle threads sleep on a counter that every change they wait for moves on. (An atomic wait
+  // is all in the headers; a condition variable would bring the runtime's out-of-line code.)
+  // Caller holds the mutex.
+  void wake(bool everyone) {
+    wakeups_.fetch_add(1, std::memory_order_relaxed);
+    if (everyone) {
+      wakeups_.notify_all();
+    } else {
+      wakeups_.notify_one();
+    }
+  }
+
   static void putFilesSince(Task& task) {
     task.log.putNumber(static_cast<std::uint64_t>(task.files - task.filesLogged));
     task.filesLogged = task.files;
@@ -373,7 +384,7 @@ private:
   std::atomic<std::int64_t> floor_{0};
 
   std::mutex mutex_;
-  std::condition_variable wake_;
+  std::atomic<std::uint32_t> wakeups_{0};
   std::deque<std::unique_ptr<Task>> tasks_; // a task is let go once replayed
   std::deque<std::size_t> queue_;
   unsigned idle_ = 0;
@@ -847,14 +858,17 @@ void Scan::work() {
       advance();
       if (queue_.empty() && running_ == 0) {
         finished_ = true;
-        wake_.notify_all();
+        wake(true);
       }
       continue;
     }
     if (finished_) return;
     ++idle_;
     updateHungry();
-    wake_.wait(lock);
+    const std::uint32_t seen = wakeups_.load(std::memory_order_relaxed);
+    lock.unlock();
+    wakeups_.wait(seen, std::memory_order_relaxed);
+    lock.lock();
     --idle_;
     updateHungry();
   }
