@@ -52,7 +52,7 @@ constexpr unsigned kMaxAutomaticWorkers = 4;
 
 // Bytes asked of the system per read of a listing. Most folders fit in one read; a large one is
 // read in parts of this size, so a walker holds about this much per open folder at most.
-constexpr std::size_t kListingChunk = 8 * 1024;
+constexpr std::size_t kListingChunk = 4 * 1024;
 
 // ----- Listings ------------------------------------------------------------------------------
 

@@ -10,7 +10,7 @@ namespace {
 
 // Text is handed on once this much has gathered; the buffer is made once with room for the
 // longest object that can follow.
-constexpr std::size_t kFlushSize = 8 * 1024;
+constexpr std::size_t kFlushSize = 4 * 1024;
 constexpr std::size_t kBufferSize = kFlushSize + 8 * 1024;
 
 // The root's object is at level 1, each level of sub-folders two deeper.
