@@ -27,7 +27,7 @@ using Digest = std::array<unsigned char, 32>;
 ///   that of the file's own whole content, and every file is read once;
 /// - names that were hard links of one file when indexed are read once, after each name has
 ///   been opened and found to be that same file still;
-/// - up to `workers` threads work at once, each with one 256 KiB read buffer and at most 16
+/// - up to `workers` threads work at once, each with one 64 KiB read buffer and at most 16
 ///   open files, so memory stays bounded whatever the file sizes. The groups are taken in
 ///   batches of about `batchSize` candidates (a larger group is a batch of its own), so the
 ///   bookkeeping of a file exists only while its batch is read.
