@@ -5,8 +5,9 @@ Each round runs every tool once untimed (to warm the file cache, which this kind
 drops after about a minute) and at once again timed; the order of the tools rotates from
 round to round, and halcyra also runs with --threads 1. Prints the median wall time and
 processor time (user and system) and the peak resident memory of each tool, the ratios of
-halcyra to each of them, and whether halcyra's total agrees with du -s in bytes of allocated
-space (du also counts the blocks of folders and links; those are taken out).
+halcyra to each of them, what halcyra and du take above the peak of their own --version, and
+whether halcyra's total agrees with du -s in bytes of allocated space (du also counts the
+blocks of folders and links; those are taken out).
 
 Needs /usr/bin/time (Debian package time), and gdu and ncdu for those columns.
 
@@ -101,6 +102,11 @@ def main():
             cpu[name].append(seconds)
         print(f"round {round_index + 1}/{args.runs} done", file=sys.stderr)
 
+    # What each command adds to the memory its executable takes before it does any work.
+    baseline = {}
+    for name, command in (("halcyra", [halcyra, "--version"]), ("du", ["du", "--version"])):
+        baseline[name] = statistics.median(measure(command, report)[1] for _ in range(5))
+
     result = json.loads(subprocess.run(halcyra_command, capture_output=True, check=True).stdout)
     du_total = du_bytes(tree)
     du_files = du_total - non_file_blocks(tree)
@@ -115,6 +121,10 @@ def main():
               f"{statistics.median(cpu[name]):6.2f} {max(peaks[name]) / 1024:9.1f} {mine / median:13.2f}")
     fastest = min((statistics.median(times[name]), name) for name, _ in tools if not name.startswith("halcyra"))
     print(f"against the fastest other tool ({fastest[1]}): {mine / fastest[0]:.2f}")
+    print("peak above --version (medians): " + ", ".join(
+        f"{name} {(statistics.median(peaks[name]) - baseline[name]) / 1024:.2f} MiB"
+        for name in ("halcyra", "du")) +
+        f" (--version: halcyra {baseline['halcyra'] / 1024:.2f} MiB, du {baseline['du'] / 1024:.2f} MiB)")
     agrees = "agrees" if result["totalSize"] == du_files else "DIFFERS"
     print(f"total: halcyra {result['totalSize']} bytes, du -s {du_total} bytes of which files "
           f"{du_files}: {agrees}")
