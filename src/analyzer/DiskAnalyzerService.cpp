@@ -164,6 +164,16 @@ enum class Tag : unsigned char { entered, left, leftDenied, handedAway };
 // copying or spare room, and the replay frees each block it has read through.
 class EventLog {
 public:
+  EventLog() = default;
+  EventLog(EventLog&& other) noexcept
+      : head_(std::move(other.head_)), tail_(std::exchange(other.tail_, nullptr)),
+        readAt_(std::exchange(other.readAt_, 0)), writeAt_(std::exchange(other.writeAt_, kBlockBytes)) {}
+  EventLog& operator=(EventLog&&) = delete;
+  ~EventLog() {
+    // One block at a time: a long chain let go recursively could run out of stack.
+    while (head_ != nullptr) head_ = std::move(head_->next);
+  }
+
   void put(unsigned char byte) {
     if (writeAt_ == kBlockBytes) {
       auto block = std::make_unique<Block>();
