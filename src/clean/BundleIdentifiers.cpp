@@ -1,13 +1,12 @@
 #include "clean/BundleIdentifiers.h"
 
-#include <cstdlib>
 #include <fcntl.h>
-#include <plist/plist.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
 #include "clean/FileQueries.h"
+#include "platform/PropertyList.h"
 
 namespace halcyra::clean {
 namespace {
@@ -40,23 +39,7 @@ std::optional<std::string> readRegularFile(const std::string& path) {
 
 std::optional<std::string> bundleIdentifierFromPlist(std::string_view bytes) {
   if (bytes.empty() || bytes.size() > static_cast<std::size_t>(kMaxPlistBytes)) return std::nullopt;
-  plist_t root = nullptr;
-  plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
-  if (root == nullptr) return std::nullopt;
-  std::optional<std::string> identifier;
-  if (plist_get_node_type(root) == PLIST_DICT) {
-    plist_t node = plist_dict_get_item(root, "CFBundleIdentifier");
-    if (node != nullptr && plist_get_node_type(node) == PLIST_STRING) {
-      char* value = nullptr;
-      plist_get_string_val(node, &value);
-      if (value != nullptr) {
-        identifier = std::string(value);
-        std::free(value);
-      }
-    }
-  }
-  plist_free(root);
-  return identifier;
+  return platform::propertyListString(bytes, "CFBundleIdentifier");
 }
 
 std::set<std::string> collectInstalledBundleIDs(const platform::SystemPaths& paths) {

@@ -141,3 +141,28 @@ TEST(ScanCommand, UsageErrorsHelpAndVersion) {
   EXPECT_EQ(run.exitStatus, 0);
   EXPECT_THAT(run.standardOutput, StartsWith("halcyra "));
 }
+
+// The command reads an installed application's identifier from its property list (the
+// library for it is loaded on first use), so only the leftovers of applications that are gone
+// count as orphans.
+TEST(ScanCommand, OrphansAreTheFoldersOfApplicationsNoLongerInstalled) {
+  TempDir dir;
+  const std::string home = dir.mkdir("home");
+  const std::string root = dir.mkdir("root");
+  dir.file("home/Library/Caches/com.example.gone/data", 4000);
+  dir.file("home/Library/Caches/com.example.kept/data", 4000);
+  TempDir::setAge(home + "/Library/Caches/com.example.gone", 60 * kDay);
+  TempDir::setAge(home + "/Library/Caches/com.example.kept", 60 * kDay);
+  dir.file("root/Applications/Kept.app/Contents/Info.plist",
+           "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+           "<key>CFBundleIdentifier</key><string>com.example.kept</string></dict></plist>\n");
+
+  const auto run = runHalcyra({"scan", "--json", "--home", home, "--root", root});
+  ASSERT_EQ(run.exitStatus, 0) << run.standardError;
+  const auto list = nlohmann::json::parse(run.standardOutput);
+  const auto* orphans = category(list, "Orphaned App Data");
+  ASSERT_NE(orphans, nullptr);
+  std::vector<std::string> paths;
+  for (const auto& item : orphans->at("items")) paths.push_back(item.at("path"));
+  EXPECT_THAT(paths, ElementsAre(home + "/Library/Caches/com.example.gone"));
+}
