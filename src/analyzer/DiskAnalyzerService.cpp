@@ -167,7 +167,8 @@ public:
   EventLog() = default;
   EventLog(EventLog&& other) noexcept
       : head_(std::move(other.head_)), tail_(std::exchange(other.tail_, nullptr)),
-        readAt_(std::exchange(other.readAt_, 0)), writeAt_(std::exchange(other.writeAt_, kBlockBytes)) {}
+        readAt_(std::exchange(other.readAt_, 0)), writeAt_(std::exchange(other.writeAt_, kBlockBytes)),
+        pending_(std::exchange(other.pending_, 0)) {}
   EventLog& operator=(EventLog&&) = delete;
   ~EventLog() {
     // One block at a time: a long chain let go recursively could run out of stack.
@@ -188,6 +189,7 @@ public:
       writeAt_ = 0;
     }
     tail_->bytes[writeAt_++] = byte;
+    ++pending_;
   }
   void putNumber(std::uint64_t value) {
     while (value >= 0x80) {
@@ -200,12 +202,14 @@ public:
     for (const char byte : bytes) put(static_cast<unsigned char>(byte));
   }
 
-  bool empty() const { return head_ == nullptr || (head_.get() == tail_ && readAt_ == writeAt_); }
+  bool empty() const { return pending_ == 0; }
+  std::size_t pending() const { return pending_; }
   unsigned char take() {
     if (readAt_ == kBlockBytes) {
       head_ = std::move(head_->next);
       readAt_ = 0;
     }
+    --pending_;
     return head_->bytes[readAt_++];
   }
   std::uint64_t takeNumber() {
@@ -236,6 +240,7 @@ private:
   Block* tail_ = nullptr;
   std::size_t readAt_ = 0;
   std::size_t writeAt_ = kBlockBytes;
+  std::size_t pending_ = 0; // bytes written and not yet read
 };
 
 struct Task {
@@ -256,6 +261,7 @@ struct Task {
   // Guarded by Scan::mutex.
   EventLog log;
   std::int64_t filesLogged = 0; // `files` when the last event was logged
+  bool waiting = false;         // its thread waits for the replay to catch up
   bool done = false;
   std::int64_t firstFile = 0; // sequential index of the first file met in this task
 };
@@ -279,9 +285,10 @@ void offerBySize(Entry entry, std::vector<Entry>& list) {
 
 class Scan {
 public:
-  Scan(FolderSink& sink, const std::function<void(const std::string&)>& onProgress, bool splitEveryFolder,
-       dev_t rootDevice, std::string rootPath)
-      : sink_(sink), onProgress_(onProgress), splitEveryFolder_(splitEveryFolder), rootDevice_(rootDevice),
+  Scan(FolderSink& sink, const std::function<void(const std::string&)>& onProgress,
+       const DiskAnalyzerService::Options& options, dev_t rootDevice, std::string rootPath)
+      : sink_(sink), onProgress_(onProgress), splitEveryFolder_(options.splitEveryFolder),
+        aheadLimit_(std::max<std::size_t>(options.aheadLogLimit, 1)), rootDevice_(rootDevice),
         rootPath_(std::move(rootPath)) {}
 
   dev_t rootDevice() const { return rootDevice_; }
@@ -304,20 +311,22 @@ public:
   void work();
 
   void logEntered(Task& task, std::string_view name) {
-    std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     task.log.put(static_cast<unsigned char>(Tag::entered));
     putFilesSince(task);
     task.log.putNumber(name.size());
     task.log.putBytes(name);
     advance();
+    if (task.log.pending() > aheadLimit_) waitForReplay(task, lock);
   }
 
   void logLeft(Task& task, std::int64_t bytes, std::int64_t fileCount, bool denied) {
-    std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     task.log.put(static_cast<unsigned char>(denied ? Tag::leftDenied : Tag::left));
     task.log.putNumber(static_cast<std::uint64_t>(bytes) / 512);
     task.log.putNumber(static_cast<std::uint64_t>(fileCount));
     advance();
+    if (task.log.pending() > aheadLimit_) waitForReplay(task, lock);
   }
 
   void logHandedAway(Task& task, std::size_t child) {
@@ -384,11 +393,13 @@ private:
 
   void advance();
   void replayEvent(CursorFrame& at, Task& task);
+  void waitForReplay(Task& task, std::unique_lock<std::mutex>& lock);
   void finishTask(CursorFrame& at, Task& task);
 
   FolderSink& sink_;
   const std::function<void(const std::string&)>& onProgress_;
   const bool splitEveryFolder_;
+  const std::size_t aheadLimit_;
   const dev_t rootDevice_;
   const std::string rootPath_; // "" stands for "/"
   std::atomic<std::int64_t> floor_{0};
@@ -398,7 +409,8 @@ private:
   std::deque<std::unique_ptr<Task>> tasks_; // a task is let go once replayed
   std::deque<std::size_t> queue_;
   unsigned idle_ = 0;
-  unsigned running_ = 0;
+  unsigned running_ = 0; // threads walking a task, waiting ones included
+  unsigned waiting_ = 0; // threads waiting for the replay
   bool finished_ = false;
   std::atomic<bool> hungry_{false};
 
@@ -413,6 +425,22 @@ private:
   std::vector<Candidate> largest_; // by size, then sequential index
 };
 
+// Holds a thread that has walked far ahead of the replay until the replay has read half of
+// its log, so that logs stay bounded whatever the shape of the tree. The last thread still
+// walking never waits: the replay may be waiting for its work.
+void Scan::waitForReplay(Task& task, std::unique_lock<std::mutex>& lock) {
+  while (task.log.pending() > aheadLimit_ / 2 && running_ - waiting_ > 1) {
+    task.waiting = true;
+    ++waiting_;
+    const std::uint32_t seen = wakeups_.load(std::memory_order_relaxed);
+    lock.unlock();
+    wakeups_.wait(seen, std::memory_order_relaxed);
+    lock.lock();
+    --waiting_;
+  }
+  task.waiting = false;
+}
+
 // Replays the logs in sequential order as far as they go. Caller holds the mutex.
 void Scan::advance() {
   while (!cursor_.empty()) {
@@ -420,6 +448,10 @@ void Scan::advance() {
     Task& task = *tasks_[at.task];
     if (!task.log.empty()) {
       replayEvent(at, task);
+      if (task.waiting && task.log.pending() <= aheadLimit_ / 2) {
+        task.waiting = false;
+        wake(true);
+      }
       continue;
     }
     task.log.rewind(); // caught up: what was replayed is not needed again
@@ -866,6 +898,7 @@ void Scan::work() {
       task.done = true;
       --running_;
       advance();
+      if (waiting_ > 0) wake(true); // a waiting thread may be the last one walking now
       if (queue_.empty() && running_ == 0) {
         finished_ = true;
         wake(true);
@@ -910,7 +943,7 @@ DiskAnalyzerScanSummary DiskAnalyzerService::scan(const std::string& path, Folde
   root.device = info.st_dev;
   root.inode = info.st_ino;
 
-  Scan scan(sink, onProgress, options_.splitEveryFolder, info.st_dev, root.path);
+  Scan scan(sink, onProgress, options_, info.st_dev, root.path);
   scan.addRoot(std::move(root));
   unsigned workers = options_.workers;
   if (workers == 0) workers = std::clamp(std::thread::hardware_concurrency(), 1u, kMaxAutomaticWorkers);

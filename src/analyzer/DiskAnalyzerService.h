@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -46,6 +47,10 @@ public:
     /// Hands every sub-folder to the shared queue instead of only when a thread is idle.
     /// Slower; it exists to exercise the reassembly of split work.
     bool splitEveryFolder = false;
+    /// Bytes of log (about 16 per folder) a thread may hold ahead of the sequential order
+    /// before it waits for that order to catch up; bounds memory on trees whose parts take
+    /// very different times.
+    std::size_t aheadLogLimit = 256 * 1024;
   };
 
   DiskAnalyzerService() = default;

@@ -21,7 +21,7 @@ int levelOf(std::size_t index) { return 1 + 2 * static_cast<int>(index); }
 ScanJsonWriter::ScanJsonWriter(std::function<void(std::string_view)> write) : write_(std::move(write)) {
   text_.reserve(kBufferSize);
   text_ = "{\n";
-  key(1, "root");
+  key(1, "\"root\": ");
 }
 
 void ScanJsonWriter::enterFolder(std::string_view name, std::string_view path) {
@@ -48,9 +48,9 @@ void ScanJsonWriter::leaveFolder(const Totals& totals) {
       text_ += "[]";
     }
     text_ += ",\n";
-    number(level + 1, "size", totals.size);
-    number(level + 1, "fileCount", totals.fileCount);
-    key(level + 1, "isPermissionDenied");
+    number(level + 1, "\"size\": ", totals.size);
+    number(level + 1, "\"fileCount\": ", totals.fileCount);
+    key(level + 1, "\"isPermissionDenied\": ");
     text_ += totals.isPermissionDenied ? "true\n" : "false\n";
     indent(level);
     text_ += '}';
@@ -63,13 +63,13 @@ void ScanJsonWriter::leaveFolder(const Totals& totals) {
 
 void ScanJsonWriter::finish(const DiskAnalyzerScanSummary& summary) {
   text_ += ",\n";
-  number(1, "totalSize", summary.totalSize);
-  number(1, "fileCount", summary.fileCount);
-  number(1, "directoryCount", summary.directoryCount);
-  key(1, "duration");
+  number(1, "\"totalSize\": ", summary.totalSize);
+  number(1, "\"fileCount\": ", summary.fileCount);
+  number(1, "\"directoryCount\": ", summary.directoryCount);
+  key(1, "\"duration\": ");
   text_ += nlohmann::json(summary.duration).dump();
   text_ += ",\n";
-  key(1, "largestFiles");
+  key(1, "\"largestFiles\": ");
   if (summary.largestFiles.empty()) {
     text_ += "[]";
   } else {
@@ -78,10 +78,10 @@ void ScanJsonWriter::finish(const DiskAnalyzerScanSummary& summary) {
       const auto& file = summary.largestFiles[i];
       indent(2);
       text_ += "{\n";
-      string(3, "id", file.id);
-      string(3, "path", file.path);
-      string(3, "name", file.name);
-      key(3, "size");
+      string(3, "\"id\": ", file.id);
+      string(3, "\"path\": ", file.path);
+      string(3, "\"name\": ", file.name);
+      key(3, "\"size\": ");
       text_ += std::to_string(file.size);
       text_ += '\n';
       indent(2);
@@ -106,30 +106,31 @@ void ScanJsonWriter::open(std::size_t index) {
   Folder& folder = folders_[index];
   const std::string_view path = std::string_view(path_).substr(0, folder.pathLength);
   text_ += "{\n";
-  string(level + 1, "id", core::makeUuid());
-  string(level + 1, "name", path.substr(path.size() - folder.nameLength));
-  string(level + 1, "path", path);
-  key(level + 1, "children");
+  string(level + 1, "\"id\": ", core::makeUuid());
+  string(level + 1, "\"name\": ", path.substr(path.size() - folder.nameLength));
+  string(level + 1, "\"path\": ", path);
+  key(level + 1, "\"children\": ");
   folder.opened = true;
 }
 
 void ScanJsonWriter::indent(int level) { text_.append(static_cast<std::size_t>(level) * 2, ' '); }
 
-void ScanJsonWriter::key(int level, std::string_view name) {
+// `quoted` is the whole key with its quotes and colon: a literal that short as a bare name
+// ("id", "path") would be stored as the tail of some longer string anywhere in the executable,
+// and reading it would bring that page in.
+void ScanJsonWriter::key(int level, std::string_view quoted) {
   indent(level);
-  text_ += '"';
-  text_ += name;
-  text_ += "\": ";
+  text_ += quoted;
 }
 
-void ScanJsonWriter::string(int level, std::string_view name, std::string_view value) {
-  key(level, name);
+void ScanJsonWriter::string(int level, std::string_view quoted, std::string_view value) {
+  key(level, quoted);
   text_ += core::jsonStringLiteral(value);
   text_ += ",\n";
 }
 
-void ScanJsonWriter::number(int level, std::string_view name, std::int64_t value) {
-  key(level, name);
+void ScanJsonWriter::number(int level, std::string_view quoted, std::int64_t value) {
+  key(level, quoted);
   text_ += std::to_string(value);
   text_ += ",\n";
 }

@@ -45,9 +45,9 @@ private:
 
   void open(std::size_t index);
   void indent(int level);
-  void key(int level, std::string_view name);
-  void string(int level, std::string_view name, std::string_view value);
-  void number(int level, std::string_view name, std::int64_t value);
+  void key(int level, std::string_view quoted);
+  void string(int level, std::string_view quoted, std::string_view value);
+  void number(int level, std::string_view quoted, std::int64_t value);
   void flush();
 
   std::function<void(std::string_view)> write_;

@@ -212,7 +212,8 @@ void buildMixedTree(const TempDir& dir, unsigned randomState) {
   dir.symlink("tree/outside", dir.path());
 }
 
-// One thread, every folder handed away, and threads that share work only when one is idle.
+// One thread, every folder handed away, threads that share work only when one is idle, and
+// threads that must wait for the sequential order after every few folders walked ahead.
 std::vector<DiskAnalyzerService::Options> splitSetups() {
   return {
       {.workers = 1, .splitEveryFolder = false},
@@ -220,6 +221,8 @@ std::vector<DiskAnalyzerService::Options> splitSetups() {
       {.workers = 2, .splitEveryFolder = true},
       {.workers = 2, .splitEveryFolder = false},
       {.workers = 3, .splitEveryFolder = false},
+      {.workers = 3, .splitEveryFolder = true, .aheadLogLimit = 1},
+      {.workers = 2, .splitEveryFolder = false, .aheadLogLimit = 64},
   };
 }
 
@@ -435,7 +438,8 @@ TEST(DiskAnalyzerService, SplitWorkGivesTheSequentialResultAndTexts) {
   ASSERT_EQ(expected.largestFiles.size(), 20u);
 
   for (const auto& options : splitSetups()) {
-    SCOPED_TRACE(std::to_string(options.workers) + (options.splitEveryFolder ? " split" : ""));
+    SCOPED_TRACE(std::to_string(options.workers) + (options.splitEveryFolder ? " split" : "") + " ahead " +
+                 std::to_string(options.aheadLogLimit));
     const auto scanned = scan(dir / "tree", options);
     expectSameScan(scanned, expected, reference.texts);
 
@@ -471,7 +475,8 @@ TEST(DiskAnalyzerService, StreamedFoldersComeInWalkOrderWithEmptyAndUnreadableOn
   ASSERT_NE(std::find(reference.events.begin(), reference.events.end(), "leave 0 0 denied"), reference.events.end());
 
   for (const auto& options : splitSetups()) {
-    SCOPED_TRACE(std::to_string(options.workers) + (options.splitEveryFolder ? " split" : ""));
+    SCOPED_TRACE(std::to_string(options.workers) + (options.splitEveryFolder ? " split" : "") + " ahead " +
+                 std::to_string(options.aheadLogLimit));
     RecordingSink sink;
     const auto summary = DiskAnalyzerService(options).scan(
         dir / "tree", sink, [&](const std::string& text) { sink.events.push_back(text); });
