@@ -12,6 +12,15 @@
 
 namespace halcyra::analyzer {
 
+/// What a scan found besides its folders.
+struct DiskAnalyzerScanSummary {
+  std::int64_t totalSize = 0;      ///< size of the scanned folder
+  std::int64_t fileCount = 0;      ///< all regular files seen, those below the depth limit too
+  std::int64_t directoryCount = 0; ///< folders entered, the root included, none below the depth limit
+  double duration = 0;             ///< wall time of the scan, seconds
+  std::vector<LargestFileEntry> largestFiles; ///< at most kLargestFileCount, largest first
+};
+
 /// Walks a folder into a tree of its sub-folders with their sizes on disk and keeps the
 /// largest files met on the way. Holds no state between scans.
 ///
@@ -24,15 +33,6 @@ namespace halcyra::analyzer {
 /// Work may be split over several threads; the result (tree, order of children, counts, list
 /// of largest files) and the sequence of status texts are exactly those of one depth-first
 /// walk in listing order.
-/// What a scan found besides its folders.
-struct DiskAnalyzerScanSummary {
-  std::int64_t totalSize = 0;      ///< size of the scanned folder
-  std::int64_t fileCount = 0;      ///< all regular files seen, those below the depth limit too
-  std::int64_t directoryCount = 0; ///< folders entered, the root included, none below the depth limit
-  double duration = 0;             ///< wall time of the scan, seconds
-  std::vector<LargestFileEntry> largestFiles; ///< at most kLargestFileCount, largest first
-};
-
 class DiskAnalyzerService {
 public:
   /// Depth at which the tree stops; the root is depth 0.
