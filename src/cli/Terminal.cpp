@@ -17,10 +17,12 @@ void StatusLine::show(const std::string& line) {
     std::string shown = line;
     const auto width = static_cast<std::size_t>(std::max(terminalColumns() - 1, 10));
     if (shown.size() > width) shown = shown.substr(0, width - 1) + "…";
-    std::fprintf(stderr, "\r\033[K%s", shown.c_str());
+    std::fputs("\r\033[K", stderr);
+    std::fputs(shown.c_str(), stderr);
     dirty_ = true;
   } else {
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fputs(line.c_str(), stderr);
+    std::fputc('\n', stderr);
   }
   std::fflush(stderr);
 }
@@ -52,7 +54,7 @@ void StatusLine::progress(double fraction, const std::string& text) {
 void StatusLine::finish() {
   std::lock_guard lock(mutex_);
   if (live_ && dirty_) {
-    std::fprintf(stderr, "\r\033[K");
+    std::fputs("\r\033[K", stderr);
     std::fflush(stderr);
   }
   dirty_ = false;
@@ -63,7 +65,8 @@ bool stdinIsTerminal() { return ::isatty(STDIN_FILENO) == 1; }
 bool stdoutIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
 bool confirm(const std::string& question) {
-  std::fprintf(stderr, "%s [y/N] ", question.c_str());
+  std::fputs(question.c_str(), stderr);
+  std::fputs(" [y/N] ", stderr);
   std::fflush(stderr);
   std::string answer;
   for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar()) answer.push_back(static_cast<char>(c));

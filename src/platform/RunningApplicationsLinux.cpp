@@ -1,18 +1,29 @@
 #include "platform/RunningApplications.h"
 
+#include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
-#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace halcyra::platform {
 namespace {
 
+// The text of a small /proc file up to its first NUL (the first argument of a command line).
 std::string readSmallFile(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
   std::string text;
-  std::getline(stream, text, '\0');
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return text;
+  char buffer[4096];
+  for (;;) {
+    const ssize_t count = ::read(fd, buffer, sizeof buffer);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) break;
+    text.append(buffer, static_cast<std::size_t>(count));
+    if (text.find('\0') != std::string::npos || text.size() > 65536) break;
+  }
+  ::close(fd);
+  if (const auto end = text.find('\0'); end != std::string::npos) text.resize(end);
   while (!text.empty() && (text.back() == '\n' || text.back() == '\0')) text.pop_back();
   return text;
 }
