@@ -9,14 +9,15 @@
 #include <set>
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "analyzer/DiskAnalyzerService.h"
+#include "support/DeepChain.h"
 #include "support/OrdinaryRights.h"
 #include "support/TempDir.h"
 
 using namespace halcyra::analyzer;
+using halcyra::testing::DeepChain;
 using halcyra::testing::OrdinaryRights;
 using halcyra::testing::TempDir;
 
@@ -51,13 +52,6 @@ Recorded scan(const std::string& path, DiskAnalyzerService::Options options = {.
   recorded.result = DiskAnalyzerService(options).scanDirectory(
       path, [&](const std::string& text) { recorded.texts.push_back(text); });
   return recorded;
-}
-
-const DirectoryNode* child(const DirectoryNode& node, const std::string& name) {
-  for (const auto& each : node.children) {
-    if (each.name == name) return &each;
-  }
-  return nullptr;
 }
 
 std::vector<std::string> childNames(const DirectoryNode& node) {
@@ -265,33 +259,6 @@ TEST(DiskAnalyzerService, FolderOfFilesHasNoChildrenAndWeighsItsAllocatedBlocks)
   EXPECT_EQ(scanned.texts, (std::vector<std::string>{"Starting scan…", "Scan complete: 3 files, 1 dirs"}));
 }
 
-TEST(DiskAnalyzerService, SubFoldersAddUpInListingOrderAndEmptyOnesAreCountedButLeftOut) {
-  TempDir dir;
-  const auto x = dir.file("root/one/x", 5000);
-  const auto y = dir.file("root/two/inner/y", 9000);
-  const auto z = dir.file("root/z", 100);
-  dir.mkdir("root/empty");
-  dir.mkdir("root/two/empty too");
-  const auto scanned = scan(dir / "root");
-  const auto& root = scanned.result.root;
-
-  std::vector<std::string> expectedOrder;
-  for (const auto& name : listing(dir / "root")) {
-    if (name == "one" || name == "two") expectedOrder.push_back(name);
-  }
-  EXPECT_EQ(childNames(root), expectedOrder);
-  EXPECT_EQ(root.size, allocated(x) + allocated(y) + allocated(z));
-  EXPECT_EQ(root.fileCount, 1);
-  const DirectoryNode* two = child(root, "two");
-  ASSERT_NE(two, nullptr);
-  EXPECT_EQ(two->size, allocated(y));
-  EXPECT_EQ(two->fileCount, 0); // the file lies deeper
-  EXPECT_EQ(two->path, dir / "root/two");
-  EXPECT_EQ(childNames(*two), std::vector<std::string>{"inner"});
-  EXPECT_EQ(scanned.result.directoryCount, 6); // root, one, two, inner, both empty ones
-  EXPECT_EQ(scanned.result.fileCount, 3);
-}
-
 TEST(DiskAnalyzerService, SymbolicLinksAndSpecialFilesAddNothing) {
   TempDir dir;
   dir.file("big/huge", 1 << 20);
@@ -321,96 +288,6 @@ TEST(DiskAnalyzerService, FolderThatCannotBeListedGivesMarkedEmptyRoot) {
     EXPECT_TRUE(scanned.result.largestFiles.empty());
     EXPECT_EQ(scanned.texts.back(), "Scan complete: 0 files, 1 dirs");
   }
-}
-
-TEST(DiskAnalyzerService, UnreadableSubFolderIsCountedButDropped) {
-  TempDir dir;
-  const auto kept = dir.file("root/open/a", 4096);
-  dir.file("root/locked/secret", 4096);
-  ::chmod(dir.path().c_str(), 0755);
-  ::chmod((dir / "root/locked").c_str(), 0);
-  // The check runs as an ordinary user: the superuser lists any folder.
-  const auto summarise = [&] {
-    const auto scanned = scan(dir / "root");
-    return std::to_string(scanned.result.directoryCount) + " dirs, " + std::to_string(scanned.result.fileCount) +
-           " files, " + std::to_string(scanned.result.totalSize) + " bytes, children " +
-           childNames(scanned.result.root).front() + ", root marked " +
-           std::to_string(scanned.result.root.isPermissionDenied);
-  };
-  std::string summary;
-  if (::geteuid() != 0) {
-    summary = summarise();
-  } else {
-    int channel[2];
-    ASSERT_EQ(::pipe(channel), 0);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      ::close(channel[0]);
-      if (::setgid(65534) != 0 || ::setuid(65534) != 0) ::_exit(3);
-      const std::string text = summarise();
-      if (::write(channel[1], text.data(), text.size()) < 0) ::_exit(4);
-      ::_exit(0);
-    }
-    ::close(channel[1]);
-    char buffer[512];
-    ssize_t count = 0;
-    while ((count = ::read(channel[0], buffer, sizeof buffer)) > 0) summary.append(buffer, static_cast<std::size_t>(count));
-    ::close(channel[0]);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-  }
-  EXPECT_EQ(summary, "3 dirs, 1 files, " + std::to_string(allocated(kept)) + " bytes, children open, root marked 0");
-}
-
-TEST(DiskAnalyzerService, BelowTheDepthLimitSizesCountWithoutNodes) {
-  TempDir dir;
-  std::string path = "root";
-  for (int level = 1; level <= 14; ++level) path += "/n" + std::to_string(level);
-  const auto deepest = dir.file(path + "/deep-file", 8192); // at depth 15
-  const auto atLimit = dir.file("root/n1/n2/n3/n4/n5/n6/n7/n8/n9/n10/n11/n12/at-limit", 4096);
-  const auto scanned = scan(dir / "root");
-
-  const DirectoryNode* node = &scanned.result.root;
-  for (int level = 1; level <= 12; ++level) {
-    node = child(*node, "n" + std::to_string(level));
-    ASSERT_NE(node, nullptr) << level;
-  }
-  EXPECT_EQ(node->size, allocated(deepest) + allocated(atLimit));
-  EXPECT_EQ(node->fileCount, 0);
-  EXPECT_TRUE(node->children.empty());
-  EXPECT_EQ(scanned.result.fileCount, 2);
-  EXPECT_EQ(scanned.result.directoryCount, 13); // depths 0 to 12; deeper folders are not entered
-  EXPECT_EQ(scanned.result.totalSize, allocated(deepest) + allocated(atLimit));
-}
-
-TEST(DiskAnalyzerService, StatusTextEveryThreeHundredFoldersWithTheFilesFoundSoFar) {
-  TempDir dir;
-  for (int i = 0; i < 400; ++i) dir.file("root/f" + std::to_string(i) + "/file", 10);
-  const auto order = listing(dir / "root");
-  const auto scanned = scan(dir / "root");
-  // The root is the first folder entered, so the 299th sub-folder listed is the 300th.
-  ASSERT_EQ(scanned.texts.size(), 3u);
-  EXPECT_EQ(scanned.texts[0], "Starting scan…");
-  EXPECT_EQ(scanned.texts[1], "Scanning: " + order[298] + " (298 files found)");
-  EXPECT_EQ(scanned.texts[2], "Scan complete: 400 files, 401 dirs");
-}
-
-TEST(DiskAnalyzerService, LargestFilesKeepTheFirstMetAmongEqualSizes) {
-  TempDir dir;
-  for (int i = 0; i < 19; ++i) dir.file("root/big" + std::to_string(i), 4096 * (10 + i));
-  dir.file("root/tie-a", 4096 * 3);
-  dir.file("root/tie-b", 4096 * 3);
-  dir.file("root/small", 4096);
-  const auto order = listing(dir / "root");
-  const auto firstTie = std::find_if(order.begin(), order.end(), [](const std::string& n) { return n.rfind("tie", 0) == 0; });
-  const auto scanned = scan(dir / "root");
-  const auto& list = scanned.result.largestFiles;
-  ASSERT_EQ(list.size(), 20u);
-  EXPECT_EQ(list.front().name, "big18");
-  EXPECT_EQ(list.back().name, *firstTie);
-  EXPECT_TRUE(std::is_sorted(list.begin(), list.end(), [](const auto& a, const auto& b) { return a.size > b.size; }));
 }
 
 TEST(InsertLargestFile, FullListTakesOnlyStrictlyLargerEntriesAndKeepsEqualOnesInArrivalOrder) {
@@ -503,46 +380,6 @@ TEST(DiskAnalyzerService, PathIsMadeAbsoluteWithoutTrailingSlashes) {
 
 namespace {
 
-// A chain of folders built with descriptors, so its paths may exceed PATH_MAX; removed the
-// same way, since path-based removal cannot reach its bottom.
-class DeepChain {
-public:
-  DeepChain(const std::string& base, int levels, const std::string& segment) : base_(base), levels_(levels), segment_(segment) {
-    int fd = ::open(base.c_str(), O_RDONLY | O_DIRECTORY);
-    for (int level = 0; level < levels; ++level) {
-      ::mkdirat(fd, segment.c_str(), 0755);
-      const int file = ::openat(fd, "file", O_WRONLY | O_CREAT | O_TRUNC, 0644);
-      const std::string data(4096, 'x');
-      if (::write(file, data.data(), data.size()) < 0) ADD_FAILURE();
-      ::close(file);
-      const int next = ::openat(fd, segment.c_str(), O_RDONLY | O_DIRECTORY);
-      ::close(fd);
-      fd = next;
-    }
-    ::close(fd);
-  }
-  ~DeepChain() {
-    for (int level = levels_; level > 0; --level) {
-      int fd = ::open(base_.c_str(), O_RDONLY | O_DIRECTORY);
-      for (int step = 0; step < level - 1; ++step) {
-        const int next = ::openat(fd, segment_.c_str(), O_RDONLY | O_DIRECTORY);
-        ::close(fd);
-        fd = next;
-      }
-      const int last = ::openat(fd, segment_.c_str(), O_RDONLY | O_DIRECTORY);
-      ::unlinkat(last, "file", 0);
-      ::close(last);
-      ::unlinkat(fd, segment_.c_str(), AT_REMOVEDIR);
-      ::close(fd);
-    }
-  }
-
-private:
-  std::string base_;
-  int levels_;
-  std::string segment_;
-};
-
 int openDescriptors() { return static_cast<int>(listing("/proc/self/fd").size()); }
 
 } // namespace
@@ -554,7 +391,8 @@ TEST(DiskAnalyzerService, DeepTreesAreWalkedWithFewDescriptorsAndNoPathLimit) {
   // keeps descriptors for, with files on the way back up at every level.
   const std::string segment(40, 's');
   {
-    DeepChain chain(dir / "root", 250, segment);
+    const DeepChain chain(dir / "root", 250, segment, 1, std::string(4096, 'x'));
+    ASSERT_TRUE(chain.made());
     dir.file("root/after", 4096);
     const int before = openDescriptors();
     for (const unsigned workers : {1u, 2u}) {

@@ -8,6 +8,7 @@
 #include <sys/un.h>
 
 #include "platform/TreeSize.h"
+#include "support/DeepChain.h"
 #include "support/TempDir.h"
 
 using namespace halcyra::platform;
@@ -32,32 +33,10 @@ TEST(TreeSize, AddsRegularFilesAndLeavesHiddenLinksAndSpecialFilesOut) {
 
 TEST(TreeSize, MeasuresATreeTenThousandFoldersDeep) {
   TempDir dir;
-  // Built with relative steps: the full path is far beyond PATH_MAX.
-  int fd = ::open(dir.path().c_str(), O_RDONLY | O_DIRECTORY);
-  for (int i = 0; i < 10000; ++i) {
-    ASSERT_EQ(::mkdirat(fd, "d", 0755), 0);
-    const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY);
-    ::close(fd);
-    fd = next;
-    if (i % 1000 == 999) {
-      const int file = ::openat(fd, "f", O_WRONLY | O_CREAT, 0644);
-      ASSERT_EQ(::write(file, "12345", 5), 5);
-      ::close(file);
-    }
-  }
-  ::close(fd);
-  EXPECT_EQ(logicalTreeSize(dir / "d"), 50);
-  // Leave no unremovable tree behind: take it down from the bottom with relative steps.
-  std::string chain;
-  fd = ::open(dir.path().c_str(), O_RDONLY | O_DIRECTORY);
-  std::vector<int> fds{fd};
-  for (int i = 0; i < 10000; ++i) fds.push_back(::openat(fds.back(), "d", O_RDONLY | O_DIRECTORY));
-  for (int i = 10000; i > 0; --i) {
-    ::unlinkat(fds[i], "f", 0);
-    ::close(fds[i]);
-    ::unlinkat(fds[i - 1], "d", AT_REMOVEDIR);
-  }
-  ::close(fds[0]);
+  // The full path of the bottom is far beyond PATH_MAX.
+  const halcyra::testing::DeepChain chain(dir.path(), 10000, "d", 1000, "12345");
+  ASSERT_TRUE(chain.made());
+  EXPECT_EQ(logicalTreeSize(dir.path()), 50);
 }
 
 TEST(TreeSizer, TwoWorkersGiveTheSameSizesAsOneWalk) {
