@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSettings>
 
+#include "ViewModelTesting.h"
 #include "clean/NativeCleanService.h"
 #include "clean/viewmodel/CleanViewModel.h"
 #include "platform/Platform.h"
@@ -14,8 +13,7 @@ using halcyra::clean::CleanViewModel;
 namespace {
 
 void waitFor(const CleanViewModel& viewModel, CleanViewModel::Phase phase) {
-  QDeadlineTimer deadline(60000); // only keeps a broken run from hanging the suite
-  while (viewModel.phase() != phase && !deadline.hasExpired()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  halcyra::testing::settle([&] { return viewModel.phase() == phase; }, 60000);
   ASSERT_EQ(static_cast<int>(viewModel.phase()), static_cast<int>(phase)) << viewModel.errorText().toStdString();
 }
 

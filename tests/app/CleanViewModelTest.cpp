@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSettings>
 #include <QSignalSpy>
 
 #include "FakeCleanService.h"
 #include "QtPrinting.h"
+#include "ViewModelTesting.h"
 #include "app/BackgroundTask.h"
 #include "clean/viewmodel/CleanViewModel.h"
 #include "core/CleanError.h"
@@ -50,13 +49,8 @@ protected:
   AppState state{std::make_unique<QSettings>(QString::fromStdString(home / "defaults.ini"), QSettings::IniFormat)};
   CleanViewModel viewModel{halcyra::platform::FullDiskAccessChecker(halcyra::platform::SystemPaths(home.path())), false};
 
-  /// Runs the event loop until the view model reaches `phase`; the deadline only keeps a
-  /// broken view model from hanging the suite.
   void waitFor(Phase phase) {
-    QDeadlineTimer deadline(10000);
-    while (viewModel.phase() != phase && !deadline.hasExpired()) {
-      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
+    halcyra::testing::settle([&] { return viewModel.phase() == phase; });
     ASSERT_EQ(viewModel.phaseName(), phaseName(phase));
   }
 
@@ -71,11 +65,7 @@ protected:
     waitFor(service->categories.empty() ? Phase::idle : Phase::preview);
   }
 
-  std::vector<std::string> messages() const {
-    std::vector<std::string> result;
-    for (const auto& entry : logger.entries()) result.push_back(entry.message);
-    return result;
-  }
+  std::vector<std::string> messages() const { return halcyra::testing::messages(logger); }
 
   std::vector<std::string> selectedIds() const {
     std::vector<std::string> ids;

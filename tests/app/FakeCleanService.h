@@ -1,11 +1,11 @@
 #pragma once
 
-#include <condition_variable>
 #include <exception>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "support/Gate.h"
 #include "clean/CleanServiceProtocol.h"
 
 namespace halcyra::testing {
@@ -24,17 +24,8 @@ public:
     std::lock_guard lock(mutex_);
     return cleaned_;
   }
-  void hold() {
-    std::lock_guard lock(mutex_);
-    held_ = true;
-  }
-  void release() {
-    {
-      std::lock_guard lock(mutex_);
-      held_ = false;
-    }
-    released_.notify_all();
-  }
+  void hold() { gate_.hold(); }
+  void release() { gate_.release(); }
 
   std::vector<clean::CleanCategory> scan(const clean::StatusCallback& onProgress) override {
     report(onProgress);
@@ -55,13 +46,11 @@ public:
 private:
   void report(const clean::StatusCallback& onProgress) {
     for (const auto& status : statuses) onProgress(status);
-    std::unique_lock lock(mutex_);
-    released_.wait(lock, [this] { return !held_; });
+    gate_.pass();
   }
 
   std::mutex mutex_;
-  std::condition_variable released_;
-  bool held_ = false;
+  Gate gate_;
   std::vector<clean::CleanItem> cleaned_;
 };
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <condition_variable>
 #include <exception>
 #include <map>
 #include <mutex>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "core/Uuid.h"
+#include "support/Gate.h"
 #include "shredder/viewmodel/ShredderServiceProtocol.h"
 
 namespace halcyra::testing {
@@ -31,22 +31,10 @@ public:
     std::lock_guard lock(mutex_);
     places_[path] = std::move(files);
   }
-  void hold() {
-    std::lock_guard lock(mutex_);
-    held_ = true;
-  }
-  void release() {
-    {
-      std::lock_guard lock(mutex_);
-      held_ = false;
-    }
-    released_.notify_all();
-  }
-  /// Whether a call is waiting in `hold` right now.
-  bool waiting() {
-    std::lock_guard lock(mutex_);
-    return waiting_;
-  }
+  void hold() { gate_.hold(); }
+  void release() { gate_.release(); }
+  /// Whether a call is held right now.
+  bool waiting() { return gate_.waiting(); }
 
   std::vector<shredder::ShredderFile> shredded() {
     std::lock_guard lock(mutex_);
@@ -106,17 +94,15 @@ public:
 
 private:
   void wait() {
-    std::unique_lock lock(mutex_);
-    threads_.push_back(std::this_thread::get_id());
-    waiting_ = held_;
-    released_.wait(lock, [this] { return !held_; });
-    waiting_ = false;
+    {
+      std::lock_guard lock(mutex_);
+      threads_.push_back(std::this_thread::get_id());
+    }
+    gate_.pass();
   }
 
   std::mutex mutex_;
-  std::condition_variable released_;
-  bool held_ = false;
-  bool waiting_ = false;
+  Gate gate_;
   std::map<std::string, std::vector<std::pair<std::string, std::int64_t>>> places_;
   std::vector<shredder::ShredderFile> shredded_;
   int passes_ = 0;

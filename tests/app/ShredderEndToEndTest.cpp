@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-
+#include "ViewModelTesting.h"
 #include "shredder/viewmodel/NativeShredderService.h"
 #include "shredder/viewmodel/ShredderViewModel.h"
 #include "support/FakePrivilegedRunner.h"
@@ -33,11 +31,7 @@ TEST(ShredderEndToEnd, PickedFolderIsShreddedExceptWhatTheUserKept) {
   halcyra::app::DebugLogger logger;
   ShredderViewModel viewModel;
 
-  const auto settle = [&](const std::function<bool()>& done) {
-    QDeadlineTimer deadline(60000); // only keeps a broken run from hanging the suite
-    while (!done() && !deadline.hasExpired()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    return done();
-  };
+  const auto settle = [](const std::function<bool()>& done) { return halcyra::testing::settle(done, 60000); };
 
   viewModel.addFiles({picked}, service);
   viewModel.addFiles({machine / "docs"}, service);

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <condition_variable>
 #include <exception>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "support/Gate.h"
 #include "duplicates/viewmodel/DuplicateServiceProtocol.h"
 
 namespace halcyra::testing {
@@ -33,17 +33,8 @@ public:
     std::lock_guard lock(mutex_);
     return deleted_;
   }
-  void hold() {
-    std::lock_guard lock(mutex_);
-    held_ = true;
-  }
-  void release() {
-    {
-      std::lock_guard lock(mutex_);
-      held_ = false;
-    }
-    released_.notify_all();
-  }
+  void hold() { gate_.hold(); }
+  void release() { gate_.release(); }
 
   std::vector<duplicates::DuplicateGroup> scan(const std::string& directory, std::int64_t minFileSize,
                                                const duplicates::StatusCallback& onProgress) override {
@@ -70,13 +61,11 @@ public:
 private:
   void report(const duplicates::StatusCallback& onProgress) {
     for (const auto& status : statuses) onProgress(status);
-    std::unique_lock lock(mutex_);
-    released_.wait(lock, [this] { return !held_; });
+    gate_.pass();
   }
 
   std::mutex mutex_;
-  std::condition_variable released_;
-  bool held_ = false;
+  Gate gate_;
   std::vector<ScanCall> scans_;
   std::vector<std::string> deleted_;
 };
