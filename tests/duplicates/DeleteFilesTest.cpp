@@ -13,7 +13,7 @@ using DeleteFilesTest = DuplicatesFixture;
 
 class DeleteFilesRefusedTest : public DuplicatesFixture {
 protected:
-  DeleteFilesRefusedTest() : DuplicatesFixture(RecordingPrivilegedRunner::Answer::refuse) {}
+  DeleteFilesRefusedTest() : DuplicatesFixture(FakePrivilegedRunner::Answer::refuse) {}
 };
 
 TEST_F(DeleteFilesTest, RemovesEachFileAndCountsItsSize) {

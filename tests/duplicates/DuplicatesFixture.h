@@ -9,42 +9,17 @@
 #include <gtest/gtest.h>
 
 #include "duplicates/DuplicateFileService.h"
-#include "platform/PrivilegedRunner.h"
-#include "platform/ProcessRunner.h"
+#include "support/FakePrivilegedRunner.h"
 #include "support/TempDir.h"
 
 namespace halcyra::testing {
-
-/// Stands in for the administrator prompt: notes each line, one per prompt, and either
-/// refuses or runs it with /bin/sh as the test's own user (who, as root, has the rights an
-/// administrator would).
-class RecordingPrivilegedRunner final : public platform::PrivilegedRunner {
-public:
-  enum class Answer { grant, refuse };
-
-  explicit RecordingPrivilegedRunner(Answer answer) : answer_(answer) {}
-
-  bool runShellLine(const std::string& line) override {
-    lines_.push_back(line);
-    if (answer_ == Answer::refuse) return false;
-    platform::SystemProcessRunner processes;
-    const auto output = processes.run("/bin/sh", {"-c", line}, std::chrono::seconds(60));
-    return output.launched && !output.timedOut && output.exitStatus == 0;
-  }
-
-  const std::vector<std::string>& lines() const { return lines_; }
-
-private:
-  Answer answer_;
-  std::vector<std::string> lines_;
-};
 
 /// A temporary folder, a service whose administrator prompt is a fake, and the status texts
 /// the last call posted.
 class DuplicatesFixture : public ::testing::Test {
 protected:
-  explicit DuplicatesFixture(RecordingPrivilegedRunner::Answer answer = RecordingPrivilegedRunner::Answer::grant)
-      : runner(std::make_shared<RecordingPrivilegedRunner>(answer)) {}
+  explicit DuplicatesFixture(FakePrivilegedRunner::Answer answer = FakePrivilegedRunner::Answer::grant)
+      : runner(std::make_shared<FakePrivilegedRunner>(answer)) {}
 
   duplicates::DuplicateFileService service() const {
     platform::Platform platform;
@@ -75,7 +50,7 @@ protected:
   }
 
   TempDir dir;
-  std::shared_ptr<RecordingPrivilegedRunner> runner;
+  std::shared_ptr<FakePrivilegedRunner> runner;
   std::vector<std::string> texts;
 };
 
