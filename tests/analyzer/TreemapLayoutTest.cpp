@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 #include <random>
+#include <set>
 
 #include "analyzer/TreemapLayout.h"
 
@@ -118,8 +119,6 @@ TEST(TreemapCells, LabelAndSizeLineNeedRoomStrictlyAboveTheLimits) {
   EXPECT_DOUBLE_EQ(treemapCellNameFontSize({0, 0, 500, 46}), 12);
   EXPECT_DOUBLE_EQ(treemapCellSizeFontSize({0, 0, 96, 46}), 8);
   EXPECT_DOUBLE_EQ(treemapCellSizeFontSize({0, 0, 500, 46}), 10);
-  EXPECT_DOUBLE_EQ(treemapCellFillOpacity(false), 0.5);
-  EXPECT_DOUBLE_EQ(treemapCellFillOpacity(true), 0.7);
 }
 
 TEST(TreemapCells, BoxLosesTheMarginButNeverShrinksBelowOnePoint) {
@@ -132,13 +131,13 @@ TEST(TreemapCells, OneCellPerChildInOrderWithPaletteByPosition) {
   for (int i = 0; i < 11; ++i) children.push_back(node("folder" + std::to_string(i), 1000 - i));
   const auto cells = treemapCells(children, 400, 300);
   ASSERT_EQ(cells.size(), 11u);
-  const std::vector<std::string_view> names{"blue", "green", "orange", "purple", "pink",
-                                            "cyan", "mint",  "indigo", "teal",   "brown"};
+  std::set<std::string_view> colours;
   for (std::size_t i = 0; i < cells.size(); ++i) {
     EXPECT_EQ(cells[i].index, i);
     EXPECT_EQ(cells[i].name, children[i].name);
-    EXPECT_EQ(cells[i].color.name, names[i % 10]);
+    colours.insert(cells[i].color.name);
   }
+  EXPECT_EQ(colours.size(), 10u); // ten colours, then the first again
   EXPECT_EQ(cells[10].color.name, cells[0].color.name);
 }
 

@@ -7,7 +7,7 @@
 
 using namespace halcyra::core;
 
-TEST(ByteFormatter, FileSizesSwitchToKilobytesAtOneThousandBytes) {
+TEST(ByteFormatter, FileSizesSwitchToDecimalUnitsAtOneThousandBytes) {
   EXPECT_EQ(ByteFormatter::format(std::int64_t{0}), "0 KB");
   EXPECT_EQ(ByteFormatter::format(std::uint64_t{0}), "0 KB");
   EXPECT_EQ(ByteFormatter::format(std::int64_t{1}), "1 B");
@@ -15,9 +15,7 @@ TEST(ByteFormatter, FileSizesSwitchToKilobytesAtOneThousandBytes) {
   EXPECT_EQ(ByteFormatter::format(std::int64_t{-1}), "-1 B");
   EXPECT_EQ(ByteFormatter::format(std::int64_t{1000}), "1 KB");
   EXPECT_EQ(ByteFormatter::format(std::uint64_t{1000}), "1 KB");
-}
-
-TEST(ByteFormatter, FileSizesUseDecimalUnitsWithAdaptivePrecision) {
+  // Decimal units with adaptive precision.
   EXPECT_EQ(ByteFormatter::format(std::int64_t{1'499}), "1 KB");
   EXPECT_EQ(ByteFormatter::format(std::int64_t{1'500}), "2 KB");
   EXPECT_EQ(ByteFormatter::format(std::int64_t{1'000'000}), "1 MB");

@@ -110,14 +110,7 @@ TEST(DuplicateFileIcons, ChosenByTheExtensionOfTheNameWithoutRegardToCase) {
   using halcyra::duplicates::fileIcon;
   EXPECT_EQ(fileIcon("/p/IMG_0001.HEIC"), "photo");
   EXPECT_EQ(fileIcon("/p/clip.MoV"), "film");
-  EXPECT_EQ(fileIcon("/p/a.flac"), "music.note");
-  EXPECT_EQ(fileIcon("/p/a.pdf"), "doc.richtext");
-  EXPECT_EQ(fileIcon("/p/a.pages"), "doc.text");
-  EXPECT_EQ(fileIcon("/p/a.numbers"), "tablecells");
   EXPECT_EQ(fileIcon("/p/a.tar.gz"), "doc.zipper");
-  EXPECT_EQ(fileIcon("/p/a.7z"), "doc.zipper");
-  EXPECT_EQ(fileIcon("/p/Installer.dmg"), "externaldrive");
-  EXPECT_EQ(fileIcon("/p/Tool.app"), "app.gift");
   EXPECT_EQ(fileIcon("/p/photos.jpg/README"), "doc"); // a folder's extension is not the file's
   EXPECT_EQ(fileIcon("/p/a.jpgx"), "doc");
   EXPECT_EQ(fileIcon("/p/.png"), "doc");
