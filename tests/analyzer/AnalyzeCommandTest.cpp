@@ -1,22 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 
 #include "analyzer/DiskAnalyzerService.h"
-#include "platform/ProcessRunner.h"
+#include "support/RunHalcyra.h"
 #include "support/TempDir.h"
 
+using halcyra::testing::runHalcyra;
 using halcyra::testing::TempDir;
 
 namespace {
-
-halcyra::platform::ProcessOutput runHalcyra(const std::vector<std::string>& arguments) {
-  const char* bin = std::getenv("HALCYRA_TEST_BIN");
-  if (bin == nullptr) return {};
-  halcyra::platform::SystemProcessRunner runner;
-  return runner.run(std::string(bin) + "/halcyra", arguments, std::chrono::seconds(30));
-}
 
 void buildTree(const TempDir& dir) {
   dir.file("tree/small/a", 4096);
@@ -29,7 +22,6 @@ void buildTree(const TempDir& dir) {
 } // namespace
 
 TEST(AnalyzeCommand, JsonCarriesTheWholeResultUnderTheRecordsFieldNames) {
-  if (std::getenv("HALCYRA_TEST_BIN") == nullptr) GTEST_SKIP() << "run through ctest, which says where halcyra is";
   TempDir dir;
   buildTree(dir);
   const auto output = runHalcyra({"analyze", "--json", dir / "tree"});
@@ -66,7 +58,6 @@ TEST(AnalyzeCommand, JsonCarriesTheWholeResultUnderTheRecordsFieldNames) {
 }
 
 TEST(AnalyzeCommand, ReadableTableSortsSubFoldersBySizeAndGoesDeeperOnRequest) {
-  if (std::getenv("HALCYRA_TEST_BIN") == nullptr) GTEST_SKIP() << "run through ctest, which says where halcyra is";
   TempDir dir;
   buildTree(dir);
   const auto shallow = runHalcyra({"analyze", dir / "tree"});
@@ -86,7 +77,6 @@ TEST(AnalyzeCommand, ReadableTableSortsSubFoldersBySizeAndGoesDeeperOnRequest) {
 }
 
 TEST(AnalyzeCommand, MissingFolderOrFileIsAClearFailure) {
-  if (std::getenv("HALCYRA_TEST_BIN") == nullptr) GTEST_SKIP() << "run through ctest, which says where halcyra is";
   TempDir dir;
   const auto missing = runHalcyra({"analyze", dir / "nowhere"});
   EXPECT_EQ(missing.exitStatus, 1);

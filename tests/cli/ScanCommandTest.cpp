@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "RunHalcyra.h"
+#include "support/RunHalcyra.h"
 #include "support/TempDir.h"
 
 using namespace halcyra::testing;

@@ -1,10 +1,8 @@
-#include <cstdlib>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "platform/ProcessRunner.h"
+#include "support/RunHalcyra.h"
 #include "support/TempDir.h"
 
 namespace halcyra::testing {
@@ -17,11 +15,8 @@ using ::testing::HasSubstr;
 class DuplicatesCommandTest : public ::testing::Test {
 protected:
   platform::ProcessOutput halcyra(std::vector<std::string> arguments) {
-    const char* fromTestRun = std::getenv("HALCYRA_TEST_BIN");
-    const std::string bin = fromTestRun != nullptr && fromTestRun[0] != '\0' ? fromTestRun : HALCYRA_BIN_DIR;
     arguments.insert(arguments.begin(), "duplicates");
-    platform::SystemProcessRunner processes;
-    return processes.run(bin + "/halcyra", arguments, std::chrono::seconds(60));
+    return runHalcyra(arguments);
   }
 
   void SetUp() override {

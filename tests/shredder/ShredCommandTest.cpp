@@ -1,11 +1,7 @@
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
-
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "platform/ProcessRunner.h"
+#include "support/RunHalcyra.h"
 #include "support/TempDir.h"
 
 namespace halcyra::shredder::testing {
@@ -15,14 +11,9 @@ using halcyra::testing::existsNoFollow;
 using halcyra::testing::readFile;
 using halcyra::testing::TempDir;
 
-/// The built `halcyra`, beside this test binary unless the test runner says where.
 platform::ProcessOutput halcyra(std::vector<std::string> arguments) {
-  const char* bin = std::getenv("HALCYRA_TEST_BIN");
-  const std::string folder =
-      bin != nullptr ? bin : std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
   arguments.insert(arguments.begin(), "shred");
-  platform::SystemProcessRunner runner;
-  return runner.run(folder + "/halcyra", arguments, std::chrono::seconds(60));
+  return halcyra::testing::runHalcyra(arguments);
 }
 
 TEST(ShredCommandTest, ShredsFoldersReportsJsonAndListsRefusedInputs) {
