@@ -35,6 +35,20 @@ std::string trimmedBlanks(const std::string& text) {
   return text.substr(first, last - first + 1);
 }
 
+// "/Volumes/<name>..." with no "." or ".." component and no empty one.
+bool isPlainVolumePath(const std::string& path) {
+  if (!path.starts_with("/Volumes/")) return false;
+  std::size_t start = 1;
+  while (start <= path.size()) {
+    auto end = path.find('/', start);
+    if (end == std::string::npos) end = path.size();
+    const std::string_view component(path.data() + start, end - start);
+    if (component.empty() || component == "." || component == "..") return false;
+    start = end + 1;
+  }
+  return true;
+}
+
 bool isInProgressName(const std::string& name) {
   return name.ends_with(".inProgress") || name.ends_with(".inprogress");
 }
@@ -76,20 +90,38 @@ std::set<std::string> BackupScanner::detectNetworkMountPoints() {
   return parseNetworkMountPoints(*text);
 }
 
-std::optional<std::string> BackupScanner::findMountedBundlePath(const std::string& bundleName) {
-  const auto text = output("/usr/bin/hdiutil", {"info"});
-  if (!text) return std::nullopt;
+std::vector<std::string> BackupScanner::parseMountedBundlePaths(const std::string& hdiutilInfo,
+                                                               const std::string& bundleName) {
+  std::vector<std::string> paths;
+  if (bundleName.empty()) return paths;
   bool inside = false;
-  for (const auto& line : lines(*text)) {
+  for (const auto& line : lines(hdiutilInfo)) {
     const bool namesBundle = line.find(bundleName) != std::string::npos;
     if (namesBundle) inside = true;
     if (!inside) continue;
     if (line.find("/Volumes/") != std::string::npos) {
-      const std::string path = trimmedBlanks(line);
-      if (pathKind(context_.paths().system(path)) != PathKind::missing) return path;
+      std::string path = trimmedBlanks(line);
+      if (isPlainVolumePath(path)) paths.push_back(std::move(path));
     } else if (!namesBundle && line.find("image-path") != std::string::npos) {
       inside = false; // the next image has begun
     }
+  }
+  return paths;
+}
+
+bool BackupScanner::reportsNoDestination(const std::string& destinationInfo) {
+  return core::isValidUtf8(destinationInfo) && destinationInfo.find("No destinations configured") != std::string::npos;
+}
+
+bool BackupScanner::reportsRunningBackup(const std::string& status) {
+  return status.find("Running = 1") != std::string::npos || status.find("\"Running\" = 1") != std::string::npos;
+}
+
+std::optional<std::string> BackupScanner::findMountedBundlePath(const std::string& bundleName) {
+  const auto text = output("/usr/bin/hdiutil", {"info"});
+  if (!text) return std::nullopt;
+  for (auto& path : parseMountedBundlePaths(*text, bundleName)) {
+    if (pathKind(context_.paths().system(path)) != PathKind::missing) return std::move(path);
   }
   return std::nullopt;
 }
@@ -123,15 +155,8 @@ std::vector<CleanItem> BackupScanner::scanTimeMachineIncomplete() {
   // The first run doubles as the test whether the tool is there at all.
   const auto destinations = runner_.run(kTmutil, {"destinationinfo"}, kToolTimeLimit);
   if (!destinations.launched) return {};
-  if (!destinations.timedOut && core::isValidUtf8(destinations.standardOutput) &&
-      destinations.standardOutput.find("No destinations configured") != std::string::npos) {
-    return {};
-  }
-  if (const auto status = output(kTmutil, {"status"})) {
-    if (status->find("Running = 1") != std::string::npos || status->find("\"Running\" = 1") != std::string::npos) {
-      return {};
-    }
-  }
+  if (!destinations.timedOut && reportsNoDestination(destinations.standardOutput)) return {};
+  if (const auto status = output(kTmutil, {"status"}); status && reportsRunningBackup(*status)) return {};
 
   std::set<std::string> networkVolumes;
   for (const auto& mountPoint : detectNetworkMountPoints()) networkVolumes.insert(context_.paths().system(mountPoint));

@@ -34,6 +34,14 @@ public:
 
   /// The mount points of the network file systems in a "df -T" listing.
   static std::set<std::string> parseNetworkMountPoints(const std::string& dfOutput);
+  /// The mount paths an "hdiutil info" listing gives for the image `bundleName`, in listing
+  /// order. Only plain paths below "/Volumes/" (no "." or ".." component) are given: the
+  /// listing is read from a tool and must not steer the walk anywhere else.
+  static std::vector<std::string> parseMountedBundlePaths(const std::string& hdiutilInfo, const std::string& bundleName);
+  /// Whether "tmutil destinationinfo" says no backup destination is set up.
+  static bool reportsNoDestination(const std::string& destinationInfo);
+  /// Whether "tmutil status" says a backup is running now.
+  static bool reportsRunningBackup(const std::string& status);
 
 private:
   std::optional<std::string> output(const std::string& tool, const std::vector<std::string>& arguments);

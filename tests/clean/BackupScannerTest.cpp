@@ -104,6 +104,19 @@ TEST(IncompleteBackups, BackupBundlesAreSearchedWhereTheyAreMounted) {
               ElementsAre("Backups of Mac/2024-01-01.inProgress", "Backups of Mac/2024-01-01.inProgress"));
 }
 
+TEST(IncompleteBackups, ImageListingNeverLeadsOutsideTheVolumesFolder) {
+  const std::string listing = "image-path      : /Volumes/NAS/Mac.sparsebundle\n"
+                              "/Volumes/../Users/me/Documents\n"
+                              "/Volumes/./Elsewhere\n"
+                              "/Volumes/Trailing/\n"
+                              "/private/Volumes/x\n"
+                              "  /Volumes/Backups of Mac  \n"
+                              "image-path      : /Users/me/Other.dmg\n"
+                              "/Volumes/Other\n";
+  EXPECT_THAT(clean::BackupScanner::parseMountedBundlePaths(listing, "Mac.sparsebundle"),
+              ElementsAre("/Volumes/Backups of Mac"));
+}
+
 TEST(IncompleteBackups, NetworkMountPointsComeFromNineFieldLinesOfKnownTypes) {
   const std::string output = "Filesystem Type Size Used Avail Capacity iused ifree Mounted on\n"
                              "srv:/export NFS 1 1 1 1% 1 1 /Volumes/export\n"
