@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace halcyra::platform {
 
@@ -15,5 +16,9 @@ namespace halcyra::platform {
 /// brings). Throws std::runtime_error when it cannot be loaded: a property list that cannot be
 /// read must never pass for one without the key.
 std::optional<std::string> propertyListString(std::string_view bytes, const char* key);
+
+/// The list stored under `key` in the top-level dictionary, by the same rules; none as well
+/// when any element of the list is not a string.
+std::optional<std::vector<std::string>> propertyListStringArray(std::string_view bytes, const char* key);
 
 } // namespace halcyra::platform
