@@ -6,6 +6,7 @@
 #include "clean/BackupScanner.h"
 #include "clean/BundleIdentifiers.h"
 #include "clean/CatalogueScanner.h"
+#include "clean/KeepList.h"
 #include "clean/ProjectArtifactScanner.h"
 #include "clean/ScanCatalogue.h"
 #include "clean/ScanContext.h"
@@ -78,6 +79,7 @@ std::vector<CleanCategory> NativeCleanService::scan(const StatusCallback& onProg
 
   for (const auto& target : targets) {
     if (target.requiresFDA && !hasFullDiskAccess) continue;
+    if (target.section == "System" && !platform_.macSystemLayout) continue;
     report("Scanning " + target.name + "...");
     if (target.name == "Trash") {
       if (auto trash = trashCategory(platform_.trash.get())) categories.push_back(std::move(*trash));
@@ -154,6 +156,8 @@ std::vector<CleanCategory> NativeCleanService::scan(const StatusCallback& onProg
     appendIfAny(BackupScanner(context, *platform_.processes).scanTimeMachineIncomplete(), "Incomplete TM Backups",
                 "externaldrive.badge.timemachine", "Backups", false, true);
   }
+  // One filter after every row and scanner, so no finder can offer what must be kept.
+  KeepList(keptPaths(), paths, running).apply(categories);
   report("Scan complete");
   return categories;
 }

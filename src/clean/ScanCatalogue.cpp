@@ -570,6 +570,48 @@ bool isProtectedCacheEntry(std::string_view name) {
   return false;
 }
 
+const std::vector<KeptPath>& keptPaths() {
+  // Grouped by the row or scanner that would otherwise offer them. docs/CLEANING.md lists the
+  // same entries for the user; keep the two in step.
+  static const std::vector<KeptPath> kept{
+      // System
+      {"/private/var/db/powerlog/Library/BatteryLife/CurrentPowerlog.PLSQL",
+       "the power log's live database, open in powerd", {}},
+      {"/private/var/db/diagnostics/version.plist", "describes the unified log's store to logd, which reads it", {}},
+      // User
+      {"Library/Autosave Information", "unsaved documents of open applications, often their only copy", {}},
+      {"Library/Application Support/AddressBook", "the contacts database and its sources, not a cache", {}},
+      {"Library/Application Support/com.apple.wallpaper/Store", "the wallpaper settings of every screen and space",
+       {}},
+      // Developer
+      {".sbt/1.0", "sbt's global settings and plugins", {}},
+      {".sbt/0.13", "sbt's global settings and plugins of older versions", {}},
+      {".sbt/.credentials", "repository credentials", {}},
+      {".sbt/repositories", "the repositories sbt resolves from", {}},
+      {".cache/huggingface/token", "the Hugging Face access token", {}},
+      {".cache/huggingface/stored_tokens", "stored Hugging Face access tokens", {}},
+      {".cache/huggingface/accelerate", "Accelerate's configuration", {}},
+      {".prometheus/data/wal", "Prometheus's write-ahead log: the recent samples not yet written to blocks", {}},
+      {".jupyter/runtime", "connection files of the running Jupyter servers and kernels",
+       {"jupyter", "jupyter-lab", "jupyter-notebook", "jupyter-server"}},
+      {".aws/cli/cache", "temporary credentials of assumed roles; signing in again may need a second factor", {}},
+      {".gradle/daemon", "the registry and logs of the running Gradle daemons", {"gradle", "java"}},
+      {".cache/bazel", "the output base of a running Bazel server", {"bazel", "java"}},
+      {".jenkins/workspace", "the workspaces of Jenkins jobs, which may be building", {"jenkins", "java"}},
+      // Applications
+      {"Library/Application Support/Claude/pending-uploads", "files waiting to be sent", {}},
+      {".wget-hsts", "the sites wget must reach only over HTTPS", {}},
+      {".viminfo.tmp", "the history file Vim is writing", {"vim", "nvim", "gvim"}},
+      // Cloud & Office
+      {"Library/Containers/com.microsoft.Word/Data/tmp", "temporary copies of open documents", {"microsoft word"}},
+      {"Library/Containers/com.microsoft.Excel/Data/tmp", "temporary copies of open workbooks", {"microsoft excel"}},
+      // Orphaned application data
+      {"Library/HTTPStorages", "cookies: the signed-in sessions of applications", {}},
+      {"Library/WebKit", "website data of applications: local storage, databases, sessions", {}},
+  };
+  return kept;
+}
+
 const std::map<std::string, std::int64_t>& ageFilteredTargets() {
   static const std::map<std::string, std::int64_t> ages{
       {"System Logs", 604800},              // 7 days

@@ -45,6 +45,21 @@ struct ChromiumBrowser { std::string name; std::string basePath; std::string pro
 /// table, but the scan does not consult it.
 const std::vector<ChromiumBrowser>& chromiumBrowsers();
 
+/// A place the scan never offers, whichever row or scanner would find it: a credential, a
+/// configuration, or data that a program needs while it runs. Nothing in a cache folder is
+/// junk just because of where it lies.
+struct KeptPath {
+  std::string path;   ///< written as the rows write theirs: absolute (below the root) or home-relative
+  std::string reason; ///< what would be lost; docs/CLEANING.md shows it
+  /// Program names as RunningApplications gives them (lower case): kept only while one of them
+  /// runs. Empty: always kept.
+  std::vector<std::string> whileRunning;
+};
+
+/// Every kept path, one list for the catalogue and the scanners. An item that is a kept path,
+/// lies below one, or holds one (taking it whole would take the kept one along) is left out.
+const std::vector<KeptPath>& keptPaths();
+
 /// Lower-case file system type names that count as network mounts. Compare the lower-case form
 /// of a mount's type against this set.
 const std::set<std::string>& networkFilesystemTypes();

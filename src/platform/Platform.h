@@ -20,6 +20,10 @@ struct Platform {
   std::shared_ptr<Trash> trash;
   std::shared_ptr<PrivilegedRunner> privileged;
   std::shared_ptr<Workspace> workspace;
+  /// Whether the system root holds a macOS system, whose own folders (/Library, /private/var)
+  /// the catalogue's "System" rows name. False for the running Linux system itself: its /var/log,
+  /// journal and login records are not the Mac's logs those rows describe.
+  bool macSystemLayout = true;
 
   /// The real implementations for this operating system, looking at `paths`.
   static Platform forSystem(SystemPaths paths = SystemPaths::current());

@@ -9,6 +9,8 @@ Platform Platform::forSystem(SystemPaths paths) {
   const bool ownHome = paths.home() == SystemPaths::current().home();
   platform.trash = std::make_shared<FreedesktopTrash>(freedesktopTrashDirectory(paths.home(), ownHome));
   platform.paths = std::move(paths);
+  // A macOS tree given as the root (--root) keeps its system folders; this machine's own does not.
+  platform.macSystemLayout = !platform.paths.rootIsRunningSystem();
   platform.processes = std::make_shared<SystemProcessRunner>();
   platform.runningApps = std::make_shared<SystemRunningApplications>();
   platform.privileged = std::make_shared<PkexecPrivilegedRunner>(platform.processes);

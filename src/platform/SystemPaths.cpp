@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace halcyra::platform {
@@ -38,6 +39,13 @@ SystemPaths SystemPaths::current() {
     std::free(real);
   }
   return SystemPaths(home, "/");
+}
+
+bool SystemPaths::rootIsRunningSystem() const {
+  struct stat root {};
+  struct stat own {};
+  if (::stat(root_.c_str(), &root) != 0 || ::stat("/", &own) != 0) return false;
+  return root.st_dev == own.st_dev && root.st_ino == own.st_ino;
 }
 
 std::string SystemPaths::system(std::string_view absolutePath) const {

@@ -20,6 +20,10 @@ public:
 
   const std::string& home() const noexcept { return home_; }
   const std::string& root() const noexcept { return root_; }
+  /// Whether the root is the running system's own "/", decided by the identity of the folder
+  /// (device and inode), so that "/.", a link to "/" or a bind mount of it are all the running
+  /// system, and a folder that merely holds similar folders is not.
+  bool rootIsRunningSystem() const;
 
   /// An absolute system path below the root: system("/var/log") is "<root>/var/log".
   std::string system(std::string_view absolutePath) const;

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "platform/FullDiskAccessChecker.h"
+#include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 #include "platform/SystemPaths.h"
 #include "support/TempDir.h"
@@ -22,6 +23,27 @@ TEST(SystemPaths, SystemPathsResolveUnderTheRootAndHomePathsUnderTheHome) {
   EXPECT_EQ(offline.expand("~"), "/mnt/disk/Users/ann");
   EXPECT_EQ(offline.expand("/Volumes"), "/mnt/disk/Volumes");
 }
+
+TEST(SystemPaths, TheRunningSystemIsRecognisedByTheRootFoldersIdentityNotItsContents) {
+  TempDir dir;
+  dir.mkdir("mac/var/log");
+  dir.mkdir("mac/Library/Caches");
+  dir.symlink("slash", "/");
+  EXPECT_TRUE(SystemPaths("/home/ann", "/").rootIsRunningSystem());
+  EXPECT_TRUE(SystemPaths("/home/ann", "//").rootIsRunningSystem());
+  EXPECT_TRUE(SystemPaths("/home/ann", "/usr/..").rootIsRunningSystem());
+  EXPECT_TRUE(SystemPaths("/home/ann", dir / "slash").rootIsRunningSystem());
+  EXPECT_FALSE(SystemPaths("/home/ann", dir / "mac").rootIsRunningSystem());
+  EXPECT_FALSE(SystemPaths("/home/ann", dir / "missing").rootIsRunningSystem());
+}
+
+#ifndef __APPLE__
+TEST(SystemPaths, OnLinuxOnlyARootOtherThanTheRunningSystemHoldsAMacsSystemFolders) {
+  TempDir dir;
+  EXPECT_FALSE(Platform::forSystem(SystemPaths(dir.mkdir("home"), "/")).macSystemLayout);
+  EXPECT_TRUE(Platform::forSystem(SystemPaths(dir / "home", dir.mkdir("mac"))).macSystemLayout);
+}
+#endif
 
 TEST(FullDiskAccessChecker, AnswersFromTheListingOfOneFolderOnly) {
   TempDir home;
