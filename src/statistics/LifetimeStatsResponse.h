@@ -30,7 +30,7 @@ public:
 LifetimeStatsResponse decodeLifetimeStats(std::string_view body);
 
 /// An ISO 8601 internet date and time ("2024-05-01T09:30:00.250+02:00") as a moment; none when
-/// the text is anything else.
+/// the text is anything else or the year lies outside 1700 to 2200.
 std::optional<std::chrono::system_clock::time_point> parseIso8601(std::string_view text);
 
 } // namespace halcyra::statistics

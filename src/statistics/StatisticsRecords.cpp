@@ -55,6 +55,9 @@ std::optional<system_clock::time_point> parseIso8601(std::string_view text) {
   const year_month_day date{std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
                             std::chrono::day(static_cast<unsigned>(*day))};
   if (!date.ok() || *hour > 23 || *minute > 59 || *second > 60) return std::nullopt;
+  // The clock counts nanoseconds in 64 bits, about 292 years either side of 1970; a date
+  // outside these years is no date of a clean and could not be held.
+  if (*year < 1700 || *year > 2200) return std::nullopt;
 
   std::size_t at = 19;
   nanoseconds fraction{0};
@@ -86,8 +89,8 @@ std::optional<system_clock::time_point> parseIso8601(std::string_view text) {
     return std::nullopt;
   }
   if (at != text.size()) return std::nullopt;
-  const auto local = sys_days(date) + hours(*hour) + minutes(*minute) + seconds(*second) + fraction;
-  return time_point_cast<system_clock::duration>(local - offset);
+  const sys_seconds local = sys_days(date) + hours(*hour) + minutes(*minute) + seconds(*second);
+  return time_point_cast<system_clock::duration>(local - offset) + duration_cast<system_clock::duration>(fraction);
 }
 
 LifetimeStatsResponse decodeLifetimeStats(std::string_view body) {

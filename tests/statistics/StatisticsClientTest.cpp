@@ -192,7 +192,8 @@ TEST(LifetimeStatsDecoding, OptionalDateAndStrictFigures) {
   }
   for (const std::string date : {"2024-05-01 09:30:00Z", "2024-05-01T09:30:00", "yesterday", "2024-13-01T00:00:00Z",
                                  "2024-02-30T00:00:00Z", "2024-05-01T24:00:00Z", "2024-05-01T09:30:00+0200",
-                                 "2024-05-01T09:30:00.Z", "2024-05-01T09:30:00Zjunk", "1714555800"}) {
+                                 "2024-05-01T09:30:00.Z", "2024-05-01T09:30:00Zjunk", "1714555800",
+                                 "1360-05-01T09:30:00Z"}) {
     EXPECT_THROW(decodeLifetimeStats("{" + figures + R"(,"lastCleanup":")" + date + "\"}"), StatisticsDecodingError)
         << date;
   }
