@@ -47,8 +47,9 @@ std::optional<CleanCategory> trashCategory(platform::Trash* trash) {
   if (trash == nullptr) return std::nullopt;
   const auto summary = trash->summary();
   if (!summary || summary->itemCount < 1) return std::nullopt;
-  CleanCategory category = makeCategory("Trash (" + std::to_string(summary->itemCount) + " items)", "trash", "User",
-                                        {}, true, false);
+  const std::string count =
+      std::to_string(summary->itemCount) + (summary->itemCount == 1 ? " item" : " items");
+  CleanCategory category = makeCategory("Trash (" + count + ")", "trash", "User", {}, true, false);
   category.items.push_back(CleanItem{core::makeUuid(), trash->itemPath(), summary->totalSize, true});
   return category;
 }
@@ -56,6 +57,23 @@ std::optional<CleanCategory> trashCategory(platform::Trash* trash) {
 } // namespace
 
 NativeCleanService::NativeCleanService(platform::Platform platform) : platform_(std::move(platform)) {}
+
+std::vector<CategoryName> NativeCleanService::categoryNames() {
+  std::vector<CategoryName> names;
+  for (const auto& row : catalogueRows()) names.push_back({row.name, row.isWhitelisted});
+  for (const auto& browser : chromiumBrowsers()) {
+    names.push_back({browser.name + " Profile Caches", false});
+    names.push_back({browser.name + " SW Cache", true});
+  }
+  // As scan() below names them.
+  for (const char* name : {"Simulator Temp Files", "Group Container Caches", "Sandboxed App Caches",
+                           "App Support Logs & Caches", "Orphaned App Data"}) {
+    names.push_back({name, false});
+  }
+  names.push_back({"Project Build Artifacts", true});
+  names.push_back({"Incomplete TM Backups", true});
+  return names;
+}
 
 std::vector<CleanCategory> NativeCleanService::scan(const StatusCallback& onProgress) {
   const auto report = [&](const std::string& text) {

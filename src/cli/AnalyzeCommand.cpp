@@ -38,8 +38,10 @@ constexpr std::string_view kUsage =
     "               duration (seconds), largestFiles (id, path, name, size); the keys come\n"
     "               in this order, as a folder is written while the walk goes on\n"
     "  -h, --help   show this text\n\n"
-    "Status texts go to standard error. In JSON, a byte of a path that is not valid UTF-8 is\n"
-    "written as the escape \\udcXX (XX its value), so every path names exactly one file.\n";
+    "Status texts go to standard error. Exit status 1 when DIR is missing or cannot be read.\n"
+    "Readable output escapes control characters in names as ls -b does. In JSON, names are as\n"
+    "they are, and a byte of a path that is not valid UTF-8 is written as the escape \\udcXX\n"
+    "(XX its value), so every path names exactly one file.\n";
 
 std::string share(std::int64_t size, std::int64_t total) {
   return fmt::format("{:.1f}%", total < 1 ? 0.0 : static_cast<double>(size) / static_cast<double>(total) * 100.0);
@@ -56,16 +58,16 @@ std::vector<const DirectoryNode*> largestFirst(const DirectoryNode& node) {
 void printFolders(const DirectoryNode& node, std::int64_t total, int level, int depth) {
   for (const DirectoryNode* child : largestFirst(node)) {
     fmt::print(stdout, "  {:>10}  {:>6}  {}{}\n", core::ByteFormatter::format(child->size), share(child->size, total),
-               std::string(static_cast<std::size_t>(level - 1) * 2, ' '), child->name);
+               std::string(static_cast<std::size_t>(level - 1) * 2, ' '), escapedName(child->name));
     if (level < depth) printFolders(*child, total, level + 1, depth);
   }
 }
 
 void printReadable(const DirectoryNode& root, const DiskAnalyzerScanSummary& summary, int depth) {
-  fmt::print(stdout, "{}\n", root.path);
-  fmt::print(stdout, "Total {} in {} files and {} folders, scanned in {:.2f} s\n",
-             core::ByteFormatter::format(summary.totalSize), summary.fileCount, summary.directoryCount,
-             summary.duration);
+  fmt::print(stdout, "{}\n", escapedName(root.path));
+  fmt::print(stdout, "Total {} in {} {} and {} {}, scanned in {:.2f} s\n", core::ByteFormatter::format(summary.totalSize),
+             summary.fileCount, summary.fileCount == 1 ? "file" : "files", summary.directoryCount,
+             summary.directoryCount == 1 ? "folder" : "folders", summary.duration);
   if (root.children.empty()) {
     fmt::print(stdout, "\nNo sub-folders with files in them.\n");
   } else {
@@ -77,7 +79,7 @@ void printReadable(const DirectoryNode& root, const DiskAnalyzerScanSummary& sum
     fmt::print(stdout, "\nLargest files\n");
     fmt::print(stdout, "  {:>10}  {}\n", "Size", "Path");
     for (const auto& file : summary.largestFiles) {
-      fmt::print(stdout, "  {:>10}  {}\n", core::ByteFormatter::format(file.size), file.path);
+      fmt::print(stdout, "  {:>10}  {}\n", core::ByteFormatter::format(file.size), escapedName(file.path));
     }
   }
 }
@@ -103,8 +105,12 @@ int runAnalyze(const std::vector<std::string>& args) {
   StatusLine statusLine;
   const analyzer::DiskAnalyzerService service({.workers = threads});
   const auto onProgress = [&](const std::string& text) { statusLine.status(text); };
+  // A folder that cannot be read gives a result (an empty tree) all the same, and a failure.
+  bool unreadable = false;
   const auto reportUnreadable = [&](bool denied) {
-    if (denied) fmt::print(stderr, "halcyra analyze: the folder could not be read: {}\n", folder);
+    if (!denied) return;
+    unreadable = true;
+    fmt::print(stderr, "halcyra analyze: the folder could not be read: {}\n", escapedName(folder));
   };
 
   if (arguments.has("--json")) {
@@ -114,7 +120,7 @@ int runAnalyze(const std::vector<std::string>& args) {
     analyzer::ScanJsonWriter writer([&](std::string_view text) {
       if (sharesTerminal) statusLine.finish();
       std::fwrite(text.data(), 1, text.size(), stdout);
-      std::fflush(stdout);
+      flushStandardOutput();
     });
     const auto summary = service.scan(folder, writer, onProgress);
     statusLine.finish();
@@ -128,8 +134,7 @@ int runAnalyze(const std::vector<std::string>& args) {
     reportUnreadable(root.isPermissionDenied);
     printReadable(root, summary, depth);
   }
-  std::fflush(stdout);
-  return 0;
+  return unreadable ? 1 : 0;
 }
 
 const Command analyzeCommand{"analyze", "show what takes up space in a folder", kUsage, runAnalyze};

@@ -25,14 +25,16 @@ constexpr std::string_view kUsage =
     "  --yes        remove without asking (needed when standard input is not a terminal)\n"
     "  --dry-run    show what would be removed, and remove nothing\n"
     "  --only NAME  clean only the category of this name, as the listing shows it; a count in\n"
-    "               parentheses may be left out (\"Trash\"). May be given more than once\n"
+    "               parentheses may be left out (\"Trash\"). May be given more than once. A\n"
+    "               name that is no category, or a protected one, is a usage error\n"
     "  --json       print the result as JSON with freedBytes, itemsCleaned and duration (in\n"
     "               seconds); with --dry-run, the categories that would be cleaned\n"
     "  --home DIR   scan this folder as the user's home\n"
     "  --root DIR   scan this folder as the system root\n"
     "  -h, --help   show this text\n\n"
-    "Exit status: 0 when every selected item is gone, 1 when some could not be removed or the\n"
-    "question was not answered yes, 2 on a usage error.\n";
+    "Names are escaped as ls -b does. Exit status: 0 when every selected item is gone (or\n"
+    "nothing was found); 1 when some could not be removed, or the question was not answered yes\n"
+    "or could not be asked; 2 on a usage error.\n";
 
 // "Trash (3 items)" answers to "Trash" as well: the count changes from scan to scan.
 bool nameMatches(const std::string& categoryName, const std::string& wanted) {
@@ -73,6 +75,23 @@ std::vector<clean::CleanItem> itemsInListingOrder(const std::vector<clean::Clean
   return items;
 }
 
+// Decided before the scan, from the names alone: a name that is no category, or a protected
+// one, is a mistake in the command line, never "Nothing to clean".
+void checkOnlyNames(const std::vector<std::string>& only) {
+  const auto known = clean::NativeCleanService::categoryNames();
+  for (const auto& wanted : only) {
+    const auto match = std::find_if(known.begin(), known.end(), [&](const clean::CategoryName& category) {
+      return nameMatches(wanted, category.name);
+    });
+    if (match == known.end()) {
+      throw UsageError("--only \"" + wanted + "\": no category has this name ('halcyra scan' lists them)");
+    }
+    if (match->isProtected) {
+      throw UsageError("--only \"" + wanted + "\": a protected category, never cleaned");
+    }
+  }
+}
+
 std::string itemCount(std::size_t count) { return fmt::format("{} {}", count, count == 1 ? "item" : "items"); }
 
 nlohmann::json resultToJson(const clean::CleanResult& result) {
@@ -92,18 +111,13 @@ int runClean(const std::vector<std::string>& args) {
                        "Nothing was removed.");
   }
   const std::vector<std::string> only = arguments.values("--only");
+  checkOnlyNames(only);
 
   clean::NativeCleanService service(platform::Platform::forSystem(systemPathsFrom(arguments)));
   StatusLine statusLine;
   const auto categories = service.scan([&](const std::string& text) { statusLine.status(text); });
   statusLine.finish();
 
-  for (const auto& wanted : only) {
-    if (std::none_of(categories.begin(), categories.end(),
-                     [&](const clean::CleanCategory& category) { return nameMatches(category.name, wanted); })) {
-      fmt::print(stderr, "halcyra clean: this scan found no category named \"{}\"\n", wanted);
-    }
-  }
   const auto selection = selectionOf(categories, only);
   const auto items = itemsInListingOrder(selection);
   // With --json, standard output holds the JSON alone.
@@ -140,7 +154,7 @@ int runClean(const std::vector<std::string>& args) {
   }
   const auto left = items.size() - static_cast<std::size_t>(result.itemsCleaned);
   if (left == 0) return 0;
-  std::fflush(stdout);
+  flushStandardOutput();
   fmt::print(stderr, "halcyra clean: {} of {} could not be removed\n", left, itemCount(items.size()));
   return 1;
 }

@@ -40,8 +40,10 @@ constexpr std::string_view kUsage =
     "                 scan is skipped, and so is a group whose kept copy changed\n"
     "  --yes          remove without asking (needed when standard input is not a terminal)\n"
     "  -h, --help     show this text\n\n"
-    "Status texts go to standard error. Exit status 1 when the folder cannot be read, or when\n"
-    "some copies could not be removed. In JSON, a byte of a path that is not valid UTF-8 is\n"
+    "Status texts go to standard error; readable output escapes control characters in names as\n"
+    "ls -b does. Exit status 1 when the folder cannot be read, when some copies could not be\n"
+    "removed, or when the question was not answered yes or could not be asked; 2 on a usage\n"
+    "error. In JSON, a byte of a path that is not valid UTF-8 is\n"
     "written as the escape \\udcXX (XX its value), so every path names exactly one file.\n";
 
 // The folder as an absolute path without links, "." or "..": removal refuses paths that go
@@ -101,12 +103,12 @@ void printGroups(const duplicates::FoundDuplicates& found, duplicates::Selection
   }
   std::string path;
   for (std::size_t g = 0; g < found.groupCount(); ++g) {
-    fmt::print(stdout, "{}  {}  {} each, {} copies\n", found.representativeFileName(g), found.fileHash(g),
+    fmt::print(stdout, "{}  {}  {} each, {} copies\n", escapedName(found.representativeFileName(g)), found.fileHash(g),
                core::ByteFormatter::format(found.fileSize(g)), found.fileCount(g));
     for (std::size_t position = 0; position < found.fileCount(g); ++position) {
       found.path(g, position, path);
       fmt::print(stdout, "{}{}  {}\n", found.isSelected(g, position, strategy) ? "  remove  " : "  keep    ",
-                 localTime(found.modificationDate(g, position)), path);
+                 localTime(found.modificationDate(g, position)), escapedName(path));
     }
     put("\n");
   }
@@ -153,7 +155,8 @@ int runDuplicates(const std::vector<std::string>& args) {
   const bool json = arguments.has("--json");
   if (arguments.has("--yes") && !remove) throw UsageError("--yes goes with --delete");
   if (remove && !arguments.has("--yes") && !stdinIsTerminal()) {
-    throw CommandError("will not delete without --yes: standard input is not a terminal to ask on");
+    throw CommandError("standard input is not a terminal; pass --yes to delete without the question. "
+                       "Nothing was deleted.");
   }
   const std::string folder = readableFolder(arguments.positional().front());
 
@@ -182,12 +185,11 @@ int runDuplicates(const std::vector<std::string>& args) {
   duplicates::applyStrategy(groups, strategy);
   int skipped = 0;
   if (marked > 0) {
-    std::fflush(stdout);
+    flushStandardOutput();
     if (!arguments.has("--yes") &&
         !confirm(fmt::format("Delete {} duplicate {} ({})?", marked, marked == 1 ? "file" : "files",
                              core::ByteFormatter::format(totalWasted(found))))) {
-      put("Nothing deleted.\n", stderr);
-      return 0;
+      throw CommandError("not confirmed; nothing was deleted.");
     }
     // Checked after the question: the answer may have taken a while.
     const auto paths = pathsStillToDelete(groups, skipped);

@@ -35,8 +35,9 @@ constexpr std::string_view kUsage =
     "  --yes        shred without asking; needed when standard input is not a terminal\n"
     "  --json       print the result as JSON: filesShredded, totalBytes, duration, passes\n"
     "  -h, --help   show this text\n\n"
-    "Progress goes to standard error. Exit status: 0 when every input was shredded, 1 when any\n"
-    "was refused or could not be shredded, 2 on a usage error.\n";
+    "Progress goes to standard error; names in it are escaped as ls -b does. Exit status: 0 when\n"
+    "every input was shredded; 1 when any was refused or could not be shredded, when the\n"
+    "question was not answered yes or could not be asked; 2 on a usage error.\n";
 
 constexpr std::size_t kListedBeforeAsking = 20;
 
@@ -58,7 +59,7 @@ bool askFirst(const std::vector<shredder::ShredderFile>& files, int passes) {
   std::int64_t bytes = 0;
   for (const auto& file : files) bytes += file.size;
   for (std::size_t i = 0; i < files.size() && i < kListedBeforeAsking; ++i) {
-    fmt::print(stderr, "  {}  ({})\n", files[i].path, core::ByteFormatter::format(files[i].size));
+    fmt::print(stderr, "  {}  ({})\n", escapedName(files[i].path), core::ByteFormatter::format(files[i].size));
   }
   if (files.size() > kListedBeforeAsking) {
     fmt::print(stderr, "  \u2026 and {}\n", plural(files.size() - kListedBeforeAsking, "more file"));
@@ -75,7 +76,8 @@ int runShred(const std::vector<std::string>& args) {
   if (passes != 1 && passes != 3 && passes != 7) throw UsageError("--passes takes 1, 3 or 7");
   const bool ask = !arguments.has("--yes");
   if (ask && !stdinIsTerminal()) {
-    throw UsageError("standard input is not a terminal, so nobody can confirm: add --yes to shred without asking");
+    throw CommandError("standard input is not a terminal; pass --yes to shred without the question. "
+                       "Nothing was shredded.");
   }
   // A file size limit would otherwise end the process in the middle of a file; with the
   // signal ignored the write fails and the file takes the fall-back like any failed write.
@@ -95,7 +97,7 @@ int runShred(const std::vector<std::string>& args) {
   }
   const auto printRefused = [](const std::vector<shredder::ShredderRefusal>& list) {
     for (const auto& refusal : list) {
-      fmt::print(stderr, "halcyra shred: refused {}: {}\n", refusal.path, refusal.reason);
+      fmt::print(stderr, "halcyra shred: refused {}: {}\n", escapedName(refusal.path), refusal.reason);
     }
   };
   printRefused(refused);
@@ -129,7 +131,7 @@ int runShred(const std::vector<std::string>& args) {
   std::size_t failed = 0;
   for (const auto& file : files) {
     if (refusedPaths.contains(file.path) || !stillThere(file.path)) continue;
-    fmt::print(stderr, "halcyra shred: could not shred {}\n", file.path);
+    fmt::print(stderr, "halcyra shred: could not shred {}\n", escapedName(file.path));
     ++failed;
   }
 

@@ -1,6 +1,7 @@
 #include "cli/Terminal.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -60,6 +61,96 @@ void StatusLine::finish() {
   dirty_ = false;
   last_.clear();
 }
+
+namespace {
+
+void appendOctal(std::string& out, unsigned char byte) {
+  out.push_back('\\');
+  out.push_back(static_cast<char>('0' + ((byte >> 6) & 7)));
+  out.push_back(static_cast<char>('0' + ((byte >> 3) & 7)));
+  out.push_back(static_cast<char>('0' + (byte & 7)));
+}
+
+// The length of the well-formed UTF-8 sequence at `text[i]` (2 to 4), or 0.
+std::size_t sequenceLength(std::string_view text, std::size_t i, char32_t& codePoint) {
+  const auto byte = static_cast<unsigned char>(text[i]);
+  std::size_t length = 0;
+  char32_t minimum = 0;
+  if (byte >= 0xC2 && byte <= 0xDF) {
+    length = 2, minimum = 0x80, codePoint = byte & 0x1F;
+  } else if (byte >= 0xE0 && byte <= 0xEF) {
+    length = 3, minimum = 0x800, codePoint = byte & 0x0F;
+  } else if (byte >= 0xF0 && byte <= 0xF4) {
+    length = 4, minimum = 0x10000, codePoint = byte & 0x07;
+  } else {
+    return 0;
+  }
+  if (i + length > text.size()) return 0;
+  for (std::size_t k = 1; k < length; ++k) {
+    const auto next = static_cast<unsigned char>(text[i + k]);
+    if ((next & 0xC0) != 0x80) return 0;
+    codePoint = (codePoint << 6) | (next & 0x3F);
+  }
+  if (codePoint < minimum || codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) return 0;
+  return length;
+}
+
+bool isInvisibleControl(char32_t codePoint) {
+  return (codePoint >= 0x80 && codePoint <= 0x9F) ||     // C1 controls: a terminal may act on them
+         (codePoint >= 0x202A && codePoint <= 0x202E) || // embeddings and overrides of direction
+         (codePoint >= 0x2066 && codePoint <= 0x2069);   // isolates of direction
+}
+
+} // namespace
+
+std::string escapedName(std::string_view name) {
+  std::string out;
+  out.reserve(name.size());
+  for (std::size_t i = 0; i < name.size();) {
+    const auto byte = static_cast<unsigned char>(name[i]);
+    if (byte >= 0x80) {
+      char32_t codePoint = 0;
+      const std::size_t length = sequenceLength(name, i, codePoint);
+      if (length == 0 || isInvisibleControl(codePoint)) {
+        const std::size_t count = length == 0 ? 1 : length;
+        for (std::size_t k = 0; k < count; ++k) appendOctal(out, static_cast<unsigned char>(name[i + k]));
+        i += count;
+      } else {
+        out.append(name.substr(i, length));
+        i += length;
+      }
+      continue;
+    }
+    switch (byte) {
+    case '\\': out += "\\\\"; break;
+    case '\n': out += "\\n"; break;
+    case '\t': out += "\\t"; break;
+    case '\r': out += "\\r"; break;
+    case '\a': out += "\\a"; break;
+    case '\b': out += "\\b"; break;
+    case '\f': out += "\\f"; break;
+    case '\v': out += "\\v"; break;
+    default:
+      if (byte < 0x20 || byte == 0x7F) appendOctal(out, byte);
+      else out.push_back(static_cast<char>(byte));
+    }
+    ++i;
+  }
+  return out;
+}
+
+namespace {
+int firstOutputError = 0;
+} // namespace
+
+bool flushStandardOutput() {
+  errno = 0;
+  if (std::fflush(stdout) == 0) return true;
+  if (firstOutputError == 0) firstOutputError = errno != 0 ? errno : EIO;
+  return false;
+}
+
+int standardOutputError() { return firstOutputError; }
 
 bool stdinIsTerminal() { return ::isatty(STDIN_FILENO) == 1; }
 bool stdoutIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }

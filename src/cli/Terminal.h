@@ -2,6 +2,7 @@
 
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace halcyra::cli {
 
@@ -26,6 +27,20 @@ private:
   bool dirty_ = false;
   std::string last_;
 };
+
+/// A file name (or any text holding one) as readable output shows it, escaped as `ls -b` does:
+/// control characters as \n, \t, \r, \a, \b, \f, \v or a three-digit octal escape, a
+/// backslash as two, and bytes that are not well-formed UTF-8, C1 controls and the bidirectional
+/// overrides as the octal escapes of their bytes. A name can then neither break a line nor
+/// forge lines of a list, nor turn a terminal's text around; letters of any script stay. JSON
+/// output writes names unescaped.
+std::string escapedName(std::string_view name);
+
+/// Flushes standard output and remembers the reason (errno) of the first flush that failed,
+/// which stdio itself forgets; main reports it when the command is done. False on failure.
+bool flushStandardOutput();
+/// The reason the first failed flush of standard output failed, 0 when none did.
+int standardOutputError();
 
 /// Whether standard input and standard output are terminals.
 bool stdinIsTerminal();

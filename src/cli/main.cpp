@@ -1,5 +1,11 @@
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <poll.h>
+#include <system_error>
+#include <unistd.h>
 
 #include <fmt/format.h>
 #include <string>
@@ -7,12 +13,53 @@
 
 #include "cli/Arguments.h"
 #include "cli/Command.h"
+#include "cli/Terminal.h"
 #include "core/Version.h"
 
 namespace {
 
 using halcyra::cli::Command;
 using halcyra::cli::commands;
+using halcyra::cli::escapedName;
+
+// Whether standard output is a pipe or socket whose reader has gone.
+bool readerLeft(int writeError) {
+  if (writeError == EPIPE) return true;
+  pollfd descriptor{STDOUT_FILENO, POLLOUT, 0};
+  return ::poll(&descriptor, 1, 0) == 1 && (descriptor.revents & (POLLERR | POLLHUP)) != 0;
+}
+
+// A reader that left (`halcyra scan | head -1`) ends the process the way it ends any plain
+// tool, by SIGPIPE: no message, and a status no script takes for success. It happens only here,
+// after the command has finished and cleaned up after itself, because SIGPIPE is ignored while
+// it runs (a shred killed in the middle of its fill would leave the fill files behind).
+[[noreturn]] void endForReaderThatLeft() {
+  std::signal(SIGPIPE, SIG_DFL);
+  std::raise(SIGPIPE);
+  std::_Exit(128 + SIGPIPE);
+}
+
+// Every byte of the output reached its reader, or the run is a failure: a full disk or a closed
+// pipe must not look like a result that is complete.
+int withOutputChecked(std::string_view command, int status, int writeError = 0) {
+  halcyra::cli::flushStandardOutput();
+  if (writeError == 0) writeError = halcyra::cli::standardOutputError();
+  if (!std::ferror(stdout) && writeError == 0) return status;
+  if (readerLeft(writeError)) endForReaderThatLeft();
+  const std::string_view space = command.empty() ? "" : " ";
+  if (writeError != 0) {
+    fmt::print(stderr, "halcyra{}{}: could not write the output: {}\n", space, command, std::strerror(writeError));
+  } else {
+    fmt::print(stderr, "halcyra{}{}: could not write the output\n", space, command);
+  }
+  return 1;
+}
+
+int writeErrorOf(const std::system_error& error) {
+  return error.code().category() == std::generic_category() || error.code().category() == std::system_category()
+             ? error.code().value()
+             : 0;
+}
 
 void printHelp() {
   std::fputs("Usage: halcyra <command> [options]\n"
@@ -28,19 +75,20 @@ void printHelp() {
 } // namespace
 
 int main(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);
   std::vector<std::string> args(argv + 1, argv + argc);
   if (args.empty()) {
     printHelp();
-    return 2;
+    return withOutputChecked("", 2);
   }
   const std::string& first = args.front();
   if (first == "--help" || first == "-h" || first == "help") {
     printHelp();
-    return 0;
+    return withOutputChecked("", 0);
   }
   if (first == "--version" || first == "-V") {
     fmt::print(stdout, "halcyra {}\n", halcyra::core::kVersion);
-    return 0;
+    return withOutputChecked("", 0);
   }
   for (const Command& command : commands()) {
     if (command.name != first) continue;
@@ -49,26 +97,34 @@ int main(int argc, char** argv) {
       if (arg == "--") break;
       if (arg == "--help" || arg == "-h") {
         fmt::print(stdout, "{}", command.usage);
-        return 0;
+        return withOutputChecked(command.name, 0);
       }
     }
+    // Messages may quote file names and arguments: escaped like every name in readable output.
     try {
-      return command.run(rest);
+      return withOutputChecked(command.name, command.run(rest));
     } catch (const halcyra::cli::UsageError& error) {
-      std::fflush(stdout);
-      fmt::print(stderr, "halcyra {}: {}\n\n{}", command.name, error.what(), command.usage);
-      return 2;
+      halcyra::cli::flushStandardOutput();
+      fmt::print(stderr, "halcyra {}: {}\n\n{}", command.name, escapedName(error.what()), command.usage);
+      return withOutputChecked(command.name, 2);
     } catch (const halcyra::cli::CommandError& error) {
-      std::fflush(stdout);
-      fmt::print(stderr, "halcyra {}: {}\n", command.name, error.what());
-      return 1;
+      halcyra::cli::flushStandardOutput();
+      fmt::print(stderr, "halcyra {}: {}\n", command.name, escapedName(error.what()));
+      return withOutputChecked(command.name, 1);
+    } catch (const std::system_error& error) {
+      // fmt reports a failed write to standard output this way.
+      if (const int writeError = writeErrorOf(error); writeError != 0 && std::ferror(stdout)) {
+        return withOutputChecked(command.name, 1, writeError);
+      }
+      fmt::print(stderr, "halcyra {}: {}\n", command.name, escapedName(error.what()));
+      return withOutputChecked(command.name, 1);
     } catch (const std::exception& error) {
-      std::fflush(stdout);
-      fmt::print(stderr, "halcyra {}: {}\n", command.name, error.what());
-      return 1;
+      halcyra::cli::flushStandardOutput();
+      fmt::print(stderr, "halcyra {}: {}\n", command.name, escapedName(error.what()));
+      return withOutputChecked(command.name, 1);
     }
   }
-  fmt::print(stderr, "halcyra: unknown command '{}'\n\n", first);
+  fmt::print(stderr, "halcyra: unknown command '{}'\n\n", escapedName(first));
   printHelp();
-  return 2;
+  return withOutputChecked("", 2);
 }

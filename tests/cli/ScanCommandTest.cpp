@@ -56,7 +56,7 @@ TEST(ScanCommand, JsonListsEveryCategoryInScanOrderWithTheRecordsFields) {
 
   std::vector<std::string> names;
   for (const auto& entry : list) names.push_back(entry.at("name"));
-  EXPECT_THAT(names, ElementsAre("User Caches", "User Logs", "Trash (1 items)", "Downloads", "npm Cache",
+  EXPECT_THAT(names, ElementsAre("User Caches", "User Logs", "Trash (1 item)", "Downloads", "npm Cache",
                                  "Project Build Artifacts"));
 
   const auto* caches = category(list, "User Caches");

@@ -55,7 +55,7 @@ TEST(ShredCommandTest, UsageErrorsAndAMissingConfirmationTouchNothing) {
   TempDir tmp;
   const auto file = tmp.file("a.txt", "still here");
 
-  EXPECT_EQ(halcyra({file}).exitStatus, 2); // standard input is no terminal and no --yes
+  EXPECT_EQ(halcyra({file}).exitStatus, 1); // standard input is no terminal and no --yes
   EXPECT_EQ(halcyra({"--yes", "--passes", "2", file}).exitStatus, 2);
   EXPECT_EQ(halcyra({"--yes"}).exitStatus, 2);
   EXPECT_EQ(readFile(file), "still here");
