@@ -71,6 +71,8 @@ CleanResult NativeCleanService::clean(const std::vector<CleanItem>& items, const
   Freed freed;
   std::vector<CleanItem> needRights;
   for (const auto& item : items) {
+    // Interrupted: the item in hand was finished, the rest stay, and the result says what went.
+    if (platform_.stopRequested()) break;
     report("Removing " + lastComponent(item.path) + "...");
     if (!trashPath.empty() && item.path == trashPath) {
       if (platform_.trash->empty()) freed.add(item);
@@ -85,7 +87,7 @@ CleanResult NativeCleanService::clean(const std::vector<CleanItem>& items, const
     }
   }
 
-  if (!needRights.empty()) {
+  if (!needRights.empty() && !platform_.stopRequested()) {
     report("Requesting admin access for system files...");
     const Freed privileged = cleanWithPrivileges(platform_.privileged.get(), needRights, report);
     freed.bytes += privileged.bytes;

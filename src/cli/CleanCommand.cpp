@@ -34,7 +34,8 @@ constexpr std::string_view kUsage =
     "  -h, --help   show this text\n\n"
     "Names are escaped as ls -b does. Exit status: 0 when every selected item is gone (or\n"
     "nothing was found); 1 when some could not be removed, or the question was not answered yes\n"
-    "or could not be asked; 2 on a usage error.\n";
+    "or could not be asked; 2 on a usage error. Interrupted (Ctrl-C, SIGTERM) while removing,\n"
+    "it finishes the item in hand, prints what it freed so far and ends with 130 or 143.\n";
 
 // "Trash (3 items)" answers to "Trash" as well: the count changes from scan to scan.
 bool nameMatches(const std::string& categoryName, const std::string& wanted) {
@@ -113,7 +114,9 @@ int runClean(const std::vector<std::string>& args) {
   const std::vector<std::string> only = arguments.values("--only");
   checkOnlyNames(only);
 
-  clean::NativeCleanService service(platform::Platform::forSystem(systemPathsFrom(arguments)));
+  platform::Platform platform = platform::Platform::forSystem(systemPathsFrom(arguments));
+  platform.stopFlag = StopSignals::flag();
+  clean::NativeCleanService service(std::move(platform));
   StatusLine statusLine;
   const auto categories = service.scan([&](const std::string& text) { statusLine.status(text); });
   statusLine.finish();
@@ -144,8 +147,21 @@ int runClean(const std::vector<std::string>& args) {
     throw CommandError("not confirmed; nothing was removed.");
   }
 
+  const StopSignals stop;
   const clean::CleanResult result = service.clean(items, [&](const std::string& text) { statusLine.status(text); });
   statusLine.finish();
+  if (stop.received()) {
+    // What went before the signal is gone for good: that is said first, whatever else.
+    if (json) {
+      fmt::print(stdout, "{}\n", core::toJsonText(resultToJson(result)));
+    } else {
+      fmt::print(stdout, "Interrupted: freed {}, {} in {:.2f} s\n", core::ByteFormatter::format(result.freedBytes),
+                 itemCount(static_cast<std::size_t>(result.itemsCleaned)), result.duration);
+    }
+    flushStandardOutput();
+    fmt::print(stderr, "halcyra clean: interrupted; the items not reached were left as they were\n");
+    return stop.exitStatus();
+  }
   if (json) {
     fmt::print(stdout, "{}\n", core::toJsonText(resultToJson(result)));
   } else {

@@ -37,7 +37,9 @@ constexpr std::string_view kUsage =
     "  -h, --help   show this text\n\n"
     "Progress goes to standard error; names in it are escaped as ls -b does. Exit status: 0 when\n"
     "every input was shredded; 1 when any was refused or could not be shredded, when the\n"
-    "question was not answered yes or could not be asked; 2 on a usage error.\n";
+    "question was not answered yes or could not be asked; 2 on a usage error. Interrupted\n"
+    "(Ctrl-C, SIGTERM), it finishes the file in hand, removes its fill files, says what was\n"
+    "shredded and ends with 130 or 143; the other files keep their names and data.\n";
 
 constexpr std::size_t kListedBeforeAsking = 20;
 
@@ -85,7 +87,9 @@ int runShred(const std::vector<std::string>& args) {
 
   std::vector<std::string> paths;
   for (const auto& path : arguments.positional()) paths.push_back(absolute(path));
-  shredder::ShredderService service(platform::Platform::forSystem());
+  platform::Platform platform = platform::Platform::forSystem();
+  platform.stopFlag = StopSignals::flag();
+  shredder::ShredderService service(std::move(platform));
   std::vector<shredder::ShredderRefusal> refused;
   std::vector<shredder::ShredderFile> files;
   {
@@ -112,6 +116,7 @@ int runShred(const std::vector<std::string>& args) {
   std::string lastText;
   int lastPermille = -1;
   std::vector<shredder::ShredderRefusal> refusedLate;
+  const StopSignals stop;
   const auto result = service.shredFiles(
       files, passes,
       [&](const std::string& text, double fraction) {
@@ -129,8 +134,13 @@ int runShred(const std::vector<std::string>& args) {
   std::set<std::string> refusedPaths;
   for (const auto& refusal : refusedLate) refusedPaths.insert(refusal.path);
   std::size_t failed = 0;
+  std::size_t notReached = 0;
   for (const auto& file : files) {
     if (refusedPaths.contains(file.path) || !stillThere(file.path)) continue;
+    if (stop.received()) {
+      ++notReached;
+      continue;
+    }
     fmt::print(stderr, "halcyra shred: could not shred {}\n", escapedName(file.path));
     ++failed;
   }
@@ -146,6 +156,12 @@ int runShred(const std::vector<std::string>& args) {
     fmt::print(stdout, "Shredded {}, {} ({}), {}, in {:.1f} s\n",
                plural(static_cast<std::size_t>(result.filesShredded), "file"), core::ByteFormatter::format(result.totalBytes),
                plural(bytes, "byte"), plural(static_cast<std::size_t>(result.passes), "pass", "es"), result.duration);
+  }
+  if (stop.received()) {
+    flushStandardOutput();
+    fmt::print(stderr, "halcyra shred: interrupted; {} left as {} {}, and no fill data left behind\n",
+               plural(notReached, "file"), notReached == 1 ? "it" : "they", notReached == 1 ? "was" : "were");
+    return stop.exitStatus();
   }
   return refused.empty() && refusedLate.empty() && failed == 0 ? 0 : 1;
 }

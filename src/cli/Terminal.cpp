@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -141,7 +142,43 @@ std::string escapedName(std::string_view name) {
 
 namespace {
 int firstOutputError = 0;
+
+// A signal handler has no context to reach: the flag is the process's own.
+std::atomic<bool> stopFlagValue{false};
+volatile std::sig_atomic_t stopSignal = 0;
+struct sigaction previousInterrupt {};
+struct sigaction previousTerminate {};
+
+extern "C" void onStopSignal(int number) {
+  stopSignal = number;
+  stopFlagValue.store(true, std::memory_order_relaxed);
+}
+
 } // namespace
+
+StopSignals::StopSignals() {
+  struct sigaction action {};
+  action.sa_handler = onStopSignal;
+  sigemptyset(&action.sa_mask);
+  // Interrupted system calls resume: a write of the fill must not fail half-way for this.
+  action.sa_flags = SA_RESTART;
+  ::sigaction(SIGINT, &action, &previousInterrupt);
+  ::sigaction(SIGTERM, &action, &previousTerminate);
+}
+
+StopSignals::~StopSignals() {
+  ::sigaction(SIGINT, &previousInterrupt, nullptr);
+  ::sigaction(SIGTERM, &previousTerminate, nullptr);
+}
+
+std::shared_ptr<const std::atomic<bool>> StopSignals::flag() {
+  // Not owned: the flag lives as long as the process.
+  return std::shared_ptr<const std::atomic<bool>>(std::shared_ptr<void>(), &stopFlagValue);
+}
+
+bool StopSignals::received() const { return stopFlagValue.load(std::memory_order_relaxed); }
+
+int StopSignals::exitStatus() const { return 128 + (stopSignal != 0 ? static_cast<int>(stopSignal) : SIGINT); }
 
 bool flushStandardOutput() {
   errno = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -35,6 +37,25 @@ private:
 /// forge lines of a list, nor turn a terminal's text around; letters of any script stay. JSON
 /// output writes names unescaped.
 std::string escapedName(std::string_view name);
+
+/// While it lives, SIGINT and SIGTERM do not end the process at once: they set the flag the
+/// engines watch (Platform::stopFlag), and the work stops where nothing is left half done (a
+/// shred after the file in hand, its fill files removed; a clean after the item in hand). The
+/// command then says what was done and ends with 128 + the signal's number.
+class StopSignals {
+public:
+  StopSignals();
+  ~StopSignals();
+  StopSignals(const StopSignals&) = delete;
+  StopSignals& operator=(const StopSignals&) = delete;
+
+  /// The flag, for Platform::stopFlag; it can be handed out before the signals are caught.
+  static std::shared_ptr<const std::atomic<bool>> flag();
+  /// Whether a signal arrived while this object lived.
+  bool received() const;
+  /// 130 after SIGINT, 143 after SIGTERM.
+  int exitStatus() const;
+};
 
 /// Flushes standard output and remembers the reason (errno) of the first flush that failed,
 /// which stdio itself forgets; main reports it when the command is done. False on failure.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "platform/PrivilegedRunner.h"
@@ -24,6 +25,12 @@ struct Platform {
   /// the catalogue's "System" rows name. False for the running Linux system itself: its /var/log,
   /// journal and login records are not the Mac's logs those rows describe.
   bool macSystemLayout = true;
+  /// Set when the user asks the process to stop (SIGINT or SIGTERM in the command line). Long
+  /// work checks it only where stopping leaves nothing half done, and then ends early with what
+  /// it did. None: nobody can ask.
+  std::shared_ptr<const std::atomic<bool>> stopFlag;
+
+  bool stopRequested() const { return stopFlag && stopFlag->load(std::memory_order_relaxed); }
 
   /// The real implementations for this operating system, looking at `paths`.
   static Platform forSystem(SystemPaths paths = SystemPaths::current());

@@ -342,6 +342,8 @@ ShredResult ShredderService::shredFiles(const std::vector<ShredderFile>& files, 
 
   const auto n = static_cast<double>(files.size());
   for (std::size_t i = 0; i < files.size(); ++i) {
+    // Interrupted: the file in hand was finished; the others keep their names and their data.
+    if (platform_.stopRequested()) break;
     const ShredderFile& file = files[i];
     const double base = kFileStageShare * static_cast<double>(i) / n;
     const double weight = kFileStageShare / n;
@@ -370,7 +372,7 @@ ShredResult ShredderService::shredFiles(const std::vector<ShredderFile>& files, 
     }
   }
 
-  if (result.totalBytes > 0) {
+  if (result.totalBytes > 0 && !platform_.stopRequested()) {
     const std::string text = "Overwriting freed space" + std::string(kEllipsis);
     report(text, kFileStageShare);
     fillFreedSpace(result.totalBytes, files, [&](double done) { report(text, kFileStageShare + kFillShare * done); });
@@ -527,7 +529,8 @@ void ShredderService::fillFreedSpace(std::int64_t totalBytes, const std::vector<
   try {
     std::vector<unsigned char> chunk(static_cast<std::size_t>(std::min(target, kFillChunkSize)));
     std::int64_t written = 0;
-    while (written < target) {
+    // Interrupted, it stops after the chunk in hand and removes what it wrote, as at a full disk.
+    while (written < target && !platform_.stopRequested()) {
       const auto length = static_cast<std::size_t>(std::min(kFillChunkSize, target - written));
       if (RAND_bytes(chunk.data(), static_cast<int>(length)) != 1) std::fill_n(chunk.begin(), length, 0);
       const std::string path = join(folder, "." + core::makeUuid() + ".tmp");
