@@ -10,6 +10,7 @@
 #include "platform/FullDiskAccessChecker.h"
 #include "platform/Platform.h"
 #include "shredder/viewmodel/NativeShredderService.h"
+#include "startup/StartupItemsService.h"
 
 namespace halcyra::app {
 namespace {
@@ -48,10 +49,16 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
       diskAnalyzerViewModel_(new analyzer::DiskAnalyzerViewModel(
           platform::Platform::forSystem().workspace, QString::fromStdString(platform::SystemPaths::current().home()),
           this)),
+      startupItemsService_(options.startupItemsService
+                               ? std::move(options.startupItemsService)
+                               : std::make_shared<startup::StartupItemsService>(platform::Platform::forSystem())),
+      startupItemsViewModel_(new startup::StartupItemsViewModel(this)),
       cleanServiceHandle_(ServiceHandle::wrap<clean::CleanServiceProtocol>(cleanService_, this)),
       duplicateServiceHandle_(ServiceHandle::wrap<duplicates::DuplicateServiceProtocol>(duplicateService_, this)),
       diskAnalyzerServiceHandle_(ServiceHandle::wrap<analyzer::DiskAnalyzerServiceProtocol>(diskAnalyzerService_, this)),
       shredderServiceHandle_(ServiceHandle::wrap<shredder::ShredderServiceProtocol>(shredderService_, this)),
+      startupItemsServiceHandle_(
+          ServiceHandle::wrap<startup::StartupItemsServiceProtocol>(startupItemsService_, this)),
       navigation_(new NavigationModel(QString::fromLatin1(kQmlRoot), this)),
       appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {}
 
@@ -76,6 +83,10 @@ void HalcyraApp::exposeTo(QQmlEngine& engine) {
   qmlRegisterSingletonInstance(uri, 1, 0, "ShredderViewModel", shredderViewModel_);
   qmlRegisterUncreatableType<shredder::ShredderFilesModel>(uri, 1, 0, "ShredderFilesModel",
                                                            QStringLiteral("owned by ShredderViewModel"));
+  qmlRegisterSingletonInstance(uri, 1, 0, "StartupItemsService", startupItemsServiceHandle_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "StartupItemsViewModel", startupItemsViewModel_);
+  qmlRegisterUncreatableType<startup::StartupItemsModel>(uri, 1, 0, "StartupItemsModel",
+                                                         QStringLiteral("owned by StartupItemsViewModel"));
   qmlRegisterSingletonInstance(uri, 1, 0, "DebugLogger", debugLogger_);
   qmlRegisterSingletonInstance(uri, 1, 0, "Navigation", navigation_);
   qmlRegisterSingletonInstance(uri, 1, 0, "AppInfo", appInfo_);

@@ -19,6 +19,8 @@
 #include "duplicates/viewmodel/DuplicatesViewModel.h"
 #include "shredder/viewmodel/ShredderServiceProtocol.h"
 #include "shredder/viewmodel/ShredderViewModel.h"
+#include "startup/StartupItemsServiceProtocol.h"
+#include "startup/viewmodel/StartupItemsViewModel.h"
 
 class QQmlEngine;
 
@@ -44,6 +46,7 @@ public:
     std::shared_ptr<duplicates::DuplicateServiceProtocol> duplicateService;
     std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService;
     std::shared_ptr<shredder::ShredderServiceProtocol> shredderService;
+    std::shared_ptr<startup::StartupItemsServiceProtocol> startupItemsService;
   };
 
   explicit HalcyraApp(Options options = {}, QObject* parent = nullptr);
@@ -59,6 +62,7 @@ public:
   shredder::ShredderViewModel& shredderViewModel() { return *shredderViewModel_; }
   DebugLogger& debugLogger() { return *debugLogger_; }
   analyzer::DiskAnalyzerViewModel& diskAnalyzerViewModel() { return *diskAnalyzerViewModel_; }
+  startup::StartupItemsViewModel& startupItemsViewModel() { return *startupItemsViewModel_; }
 
   /// Where the QML module's files lie among the resources.
   static constexpr const char* kQmlRoot = ":/Halcyra/";
@@ -75,10 +79,13 @@ private:
   DebugLogger* debugLogger_;
   std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService_;
   analyzer::DiskAnalyzerViewModel* diskAnalyzerViewModel_;
+  std::shared_ptr<startup::StartupItemsServiceProtocol> startupItemsService_;
+  startup::StartupItemsViewModel* startupItemsViewModel_;
   ServiceHandle* cleanServiceHandle_;
   ServiceHandle* duplicateServiceHandle_;
   ServiceHandle* diskAnalyzerServiceHandle_;
   ServiceHandle* shredderServiceHandle_;
+  ServiceHandle* startupItemsServiceHandle_;
   NavigationModel* navigation_;
   AppInfo* appInfo_;
 };

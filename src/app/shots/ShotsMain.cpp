@@ -26,6 +26,7 @@
 #include "DuplicatesShots.h"
 #include "ScriptedCleanService.h"
 #include "ShredderShots.h"
+#include "StartupShots.h"
 #include "app/HalcyraApp.h"
 #include "core/Uuid.h"
 
@@ -159,6 +160,8 @@ int main(int argc, char* argv[]) {
   options.duplicateService = duplicateService;
   auto shredderService = halcyra::app::scriptedShredder();
   options.shredderService = shredderService;
+  auto startupService = halcyra::app::scriptedStartup();
+  options.startupItemsService = startupService;
   halcyra::app::HalcyraApp app(std::move(options));
 
   QQmlApplicationEngine engine;
@@ -244,9 +247,11 @@ int main(int argc, char* argv[]) {
                                 {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
   halcyra::app::shootShredder(app, *shredderService,
                               {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
+  halcyra::app::shootStartup(app, *startupService,
+                             {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
 
   // A tool that is not part of this build, settings, about and the notices.
-  state.setSelectedNavItem(halcyra::app::NavigationItem::startupItems);
+  state.setSelectedNavItem(halcyra::app::NavigationItem::uninstaller);
   shot(QStringLiteral("placeholder"));
   state.setSelectedNavItem(halcyra::app::NavigationItem::settings);
   shot(QStringLiteral("settings"));
