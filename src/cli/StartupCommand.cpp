@@ -66,11 +66,12 @@ void printSection(const std::string& title, const std::vector<StartupItem>& item
   fmt::print(stdout, "{} ({})\n", title, items.size());
   if (items.empty()) fmt::print(stdout, "  No startup items found.\n");
   std::size_t width = 0;
-  for (const auto& item : items) width = std::max(width, item.name.size());
+  // Names, labels and paths come from other programs' files: escaped, they cannot forge rows.
+  for (const auto& item : items) width = std::max(width, escapedName(item.name).size());
   width = std::min<std::size_t>(width, 40);
   for (const auto& item : items) {
-    fmt::print(stdout, "  {:<8}  {:<{}}  {}{}\n", item.isEnabled ? "Enabled" : "Disabled", item.name, width,
-               item.label ? *item.label + "  " : "", item.path);
+    fmt::print(stdout, "  {:<8}  {:<{}}  {}{}\n", item.isEnabled ? "Enabled" : "Disabled", escapedName(item.name), width,
+               item.label ? escapedName(*item.label) + "  " : "", escapedName(item.path));
   }
 }
 
@@ -99,7 +100,7 @@ int switchItem(startup::StartupItemsService& service, const std::string& key, bo
   try {
     if (item.category == startup::StartupItemCategory::loginItems) {
       service.toggleLoginItem(item.name, item.path, enable);
-      fmt::print(stdout, "Login item '{}' {}\n", item.name, state);
+      fmt::print(stdout, "Login item '{}' {}\n", escapedName(item.name), state);
       return 0;
     }
     if (!item.label || !item.plistPath) throw CommandError("missing label or plistPath for '" + item.name + "'");
@@ -147,7 +148,9 @@ int runStartup(const std::vector<std::string>& args) {
   printSection("Startup Services", launchAgents);
   const auto enabled = std::count_if(loginItems.begin(), loginItems.end(), [](const auto& i) { return i.isEnabled; }) +
                        std::count_if(launchAgents.begin(), launchAgents.end(), [](const auto& i) { return i.isEnabled; });
-  fmt::print(stdout, "\n{} Items Enabled, {} Items Total\n", enabled, loginItems.size() + launchAgents.size());
+  const auto total = loginItems.size() + launchAgents.size();
+  fmt::print(stdout, "\n{} {} Enabled, {} {} Total\n", enabled, enabled == 1 ? "Item" : "Items", total,
+             total == 1 ? "Item" : "Items");
   return 0;
 }
 
