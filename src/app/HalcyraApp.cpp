@@ -57,10 +57,24 @@ HalcyraApp::HalcyraApp(Options options, QObject* parent)
       duplicateServiceHandle_(ServiceHandle::wrap<duplicates::DuplicateServiceProtocol>(duplicateService_, this)),
       diskAnalyzerServiceHandle_(ServiceHandle::wrap<analyzer::DiskAnalyzerServiceProtocol>(diskAnalyzerService_, this)),
       shredderServiceHandle_(ServiceHandle::wrap<shredder::ShredderServiceProtocol>(shredderService_, this)),
+      metricsProvider_(std::make_shared<dashboard::SystemMetricsProvider>(
+          options.systemCounters ? std::move(options.systemCounters)
+                                 : std::make_shared<platform::NativeSystemCounters>())),
+      statistics_(options.statistics ? std::move(options.statistics)
+                                     : std::make_shared<statistics::StatisticsReporter>(
+                                           statistics::StatisticsConfig::fromBuild())),
+      metricsProviderHandle_(ServiceHandle::wrap<dashboard::SystemMetricsProvider>(metricsProvider_, this)),
+      statisticsHandle_(ServiceHandle::wrap<statistics::StatisticsReporter>(statistics_, this)),
       startupItemsServiceHandle_(
           ServiceHandle::wrap<startup::StartupItemsServiceProtocol>(startupItemsService_, this)),
       navigation_(new NavigationModel(QString::fromLatin1(kQmlRoot), this)),
-      appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {}
+      appInfo_(new AppInfo(QCoreApplication::applicationVersion(), this)) {
+  // A finished clean's figures go to the statistics service on a thread of their own; the
+  // summary never waits for it, and a build without a key sends nothing.
+  cleanViewModel_->setCleanReporter([statistics = statistics_](const clean::CleanResult& result) {
+    statistics->reportClean(result.itemsCleaned, result.freedBytes);
+  });
+}
 
 HalcyraApp::~HalcyraApp() = default;
 
@@ -87,6 +101,9 @@ void HalcyraApp::exposeTo(QQmlEngine& engine) {
   qmlRegisterSingletonInstance(uri, 1, 0, "StartupItemsViewModel", startupItemsViewModel_);
   qmlRegisterUncreatableType<startup::StartupItemsModel>(uri, 1, 0, "StartupItemsModel",
                                                          QStringLiteral("owned by StartupItemsViewModel"));
+  qmlRegisterSingletonInstance(uri, 1, 0, "SystemMetricsProvider", metricsProviderHandle_);
+  qmlRegisterSingletonInstance(uri, 1, 0, "Statistics", statisticsHandle_);
+  qmlRegisterType<dashboard::DashboardViewModel>(uri, 1, 0, "DashboardViewModel");
   qmlRegisterSingletonInstance(uri, 1, 0, "DebugLogger", debugLogger_);
   qmlRegisterSingletonInstance(uri, 1, 0, "Navigation", navigation_);
   qmlRegisterSingletonInstance(uri, 1, 0, "AppInfo", appInfo_);

@@ -15,6 +15,8 @@
 #include "app/ServiceHandle.h"
 #include "clean/CleanServiceProtocol.h"
 #include "clean/viewmodel/CleanViewModel.h"
+#include "dashboard/SystemMetricsProvider.h"
+#include "dashboard/viewmodel/DashboardViewModel.h"
 #include "duplicates/viewmodel/DuplicateServiceProtocol.h"
 #include "duplicates/viewmodel/DuplicatesViewModel.h"
 #include "shredder/viewmodel/ShredderServiceProtocol.h"
@@ -46,6 +48,9 @@ public:
     std::shared_ptr<duplicates::DuplicateServiceProtocol> duplicateService;
     std::shared_ptr<analyzer::DiskAnalyzerServiceProtocol> diskAnalyzerService;
     std::shared_ptr<shredder::ShredderServiceProtocol> shredderService;
+    /// The machine the dashboard reads, and where finished cleans are reported.
+    std::shared_ptr<platform::SystemCounters> systemCounters;
+    std::shared_ptr<statistics::StatisticsReporter> statistics;
     std::shared_ptr<startup::StartupItemsServiceProtocol> startupItemsService;
   };
 
@@ -85,6 +90,12 @@ private:
   ServiceHandle* duplicateServiceHandle_;
   ServiceHandle* diskAnalyzerServiceHandle_;
   ServiceHandle* shredderServiceHandle_;
+  // The dashboard's readings keep their previous samples for the life of the program, so a
+  // dashboard that appears again measures from its last reading.
+  std::shared_ptr<dashboard::SystemMetricsProvider> metricsProvider_;
+  std::shared_ptr<statistics::StatisticsReporter> statistics_;
+  ServiceHandle* metricsProviderHandle_;
+  ServiceHandle* statisticsHandle_;
   ServiceHandle* startupItemsServiceHandle_;
   NavigationModel* navigation_;
   AppInfo* appInfo_;

@@ -11,7 +11,7 @@ namespace halcyra::statistics {
 
 /// Reports finished cleans and reads the lifetime figures for the window, with the build's
 /// configuration. Without a key (or without a machine identifier, for reports) it does
-/// nothing at all, silently.
+/// nothing at all, silently. The pictures of the screens put scripted figures in its place.
 class StatisticsReporter {
 public:
   using MachineId = std::function<std::optional<std::string>()>;
@@ -22,16 +22,18 @@ public:
                               std::string appVersion = {},
                               std::chrono::milliseconds timeout = std::chrono::seconds(60));
 
-  bool isEnabled() const noexcept { return config_.has_value(); }
+  virtual ~StatisticsReporter() = default;
+
+  virtual bool isEnabled() const noexcept { return config_.has_value(); }
 
   /// Sends one clean's figures on a detached thread of its own and returns at once; the
   /// caller never waits for the service, nor does quitting. False when nothing was sent: no
   /// key, or no machine identifier.
-  bool reportClean(int itemsCleaned, std::int64_t freedBytes) const;
+  virtual bool reportClean(int itemsCleaned, std::int64_t freedBytes) const;
 
   /// The lifetime figures of this build's key, on the calling thread. None without a key;
   /// throws what AnalyticsClient::fetchLifetimeStats throws.
-  std::optional<LifetimeStatsResponse> fetchLifetimeStats() const;
+  virtual std::optional<LifetimeStatsResponse> fetchLifetimeStats() const;
 
 private:
   std::optional<StatisticsConfig> config_;

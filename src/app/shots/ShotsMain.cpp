@@ -23,6 +23,7 @@
 #include <QTemporaryDir>
 
 #include "AnalyzerShots.h"
+#include "DashboardShots.h"
 #include "DuplicatesShots.h"
 #include "ScriptedCleanService.h"
 #include "ShredderShots.h"
@@ -162,6 +163,10 @@ int main(int argc, char* argv[]) {
   options.shredderService = shredderService;
   auto startupService = halcyra::app::scriptedStartup();
   options.startupItemsService = startupService;
+  auto systemCounters = std::make_shared<halcyra::app::ScriptedSystemCounters>();
+  options.systemCounters = systemCounters;
+  auto statistics = std::make_shared<halcyra::app::ScriptedStatistics>();
+  options.statistics = statistics;
   halcyra::app::HalcyraApp app(std::move(options));
 
   QQmlApplicationEngine engine;
@@ -249,6 +254,18 @@ int main(int argc, char* argv[]) {
                               {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
   halcyra::app::shootStartup(app, *startupService,
                              {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }});
+
+  const auto shotAtOnce = [&](const QString& name) {
+    const QImage image = window->grabWindow();
+    if (image.isNull() || !image.save(out.filePath(name + QStringLiteral(".png")))) {
+      problems.append(QStringLiteral("could not write ") + name);
+    } else {
+      ++written;
+    }
+  };
+  halcyra::app::shootDashboard(app, *systemCounters, *statistics,
+                               {shot, find, waitFor, [](const QString& problem) { problems.append(problem); }},
+                               shotAtOnce);
 
   // A tool that is not part of this build, settings, about and the notices.
   state.setSelectedNavItem(halcyra::app::NavigationItem::uninstaller);
