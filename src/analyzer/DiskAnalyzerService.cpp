@@ -17,6 +17,7 @@
 
 #include "analyzer/FolderTreeBuilder.h"
 #include "core/Uuid.h"
+#include "platform/MountPoints.h"
 #include "platform/SystemPaths.h"
 
 // How the walk is organised.
@@ -667,13 +668,14 @@ void Walker::descend(const char* name, EntryType type) {
   }
   // O_NOFOLLOW: a folder swapped for a link since the listing is not entered.
   const int fd = ::openat(parent.fd, name, kOpenFlags);
-  struct stat info {};
-  if (fd >= 0 && ::fstat(fd, &info) != 0) {
+  platform::EntryStatus status;
+  const struct stat& info = status.info;
+  if (fd >= 0 && !platform::statEntry(fd, "", status)) {
     ::close(fd);
     return;
   }
-  if (fd >= 0 && info.st_dev != scan_.rootDevice()) {
-    ::close(fd); // another file system mounted here: not part of this scan
+  if (fd >= 0 && (info.st_dev != scan_.rootDevice() || status.isMountRoot)) {
+    ::close(fd); // another file system, or a folder mounted here again: not part of this scan
     return;
   }
   if (kind == FrameKind::fast) {
@@ -817,8 +819,9 @@ bool Walker::handAwayWork() {
       const char* name = record + kHeaderSize;
       const int fd = ::openat(frame.fd, name, kOpenFlags);
       if (fd < 0) continue; // left to the walk, which reports it
-      struct stat info {};
-      if (::fstat(fd, &info) != 0 || info.st_dev != scan_.rootDevice()) {
+      platform::EntryStatus status;
+      const struct stat& info = status.info;
+      if (!platform::statEntry(fd, "", status) || info.st_dev != scan_.rootDevice() || status.isMountRoot) {
         ::close(fd);
         continue;
       }

@@ -1,9 +1,10 @@
 #include <chrono>
 #include <cstdint>
+#include <unordered_set>
 
 #include "clean/NativeCleanService.h"
+#include "platform/PrivilegedHelper.h"
 #include "platform/SafeRemove.h"
-#include "platform/ShellQuoting.h"
 
 namespace halcyra::clean {
 namespace {
@@ -37,23 +38,37 @@ bool isProtectedFolder(const std::string& path, const platform::SystemPaths& pat
   return false;
 }
 
-// The items that were refused for lack of rights, in one shell line behind one prompt. The
-// figures come from a fresh look at each path afterwards, not from the answer of the line:
-// only what is really gone counts.
-Freed cleanWithPrivileges(platform::PrivilegedRunner* privileged, const std::vector<CleanItem>& items,
-                          const StatusCallback& report) {
-  std::vector<std::string> paths;
-  paths.reserve(items.size());
-  for (const auto& item : items) paths.push_back(item.path);
-  // Items only reach this batch after the careful removal accepted their paths as plain.
-  const std::string line = platform::removalShellLine(paths);
-  if (privileged == nullptr || !privileged->runShellLine(line)) {
+/// An item refused for lack of rights, with what it was when it was refused.
+struct NeedsRights {
+  CleanItem item;
+  platform::PrivilegedItem target;
+};
+
+constexpr const char* kNotGranted = "administrator access was not granted";
+
+// The items that were refused for lack of rights, to the privileged helper behind one prompt.
+// Only what the helper reports removed counts; it removes an item only while it is still the
+// very file or folder that was refused here.
+Freed cleanWithPrivileges(platform::PrivilegedRunner* privileged, const std::vector<NeedsRights>& items,
+                          const StatusCallback& report, std::vector<CleanFailure>& failures) {
+  std::vector<platform::PrivilegedItem> targets;
+  targets.reserve(items.size());
+  for (const auto& entry : items) targets.push_back(entry.target);
+  const platform::HelperBatch batch =
+      privileged != nullptr ? platform::removeWithPrivileges(*privileged, targets) : platform::HelperBatch{};
+  if (!batch.granted) {
     report("Admin access was not granted — skipped system files");
+    for (const auto& entry : items) failures.push_back({entry.item.path, kNotGranted});
     return {};
   }
   Freed freed;
-  for (const auto& item : items) {
-    if (platform::isGone(item.path)) freed.add(item);
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const platform::HelperReport& outcome = batch.reports[i];
+    switch (outcome.outcome) {
+    case platform::HelperOutcome::removed: freed.add(items[i].item); break;
+    case platform::HelperOutcome::gone: break;
+    case platform::HelperOutcome::failed: failures.push_back({items[i].item.path, outcome.reason}); break;
+    }
   }
   return freed;
 }
@@ -69,27 +84,42 @@ CleanResult NativeCleanService::clean(const std::vector<CleanItem>& items, const
   const std::string trashPath = platform_.trash ? platform_.trash->itemPath() : std::string();
 
   Freed freed;
-  std::vector<CleanItem> needRights;
+  std::vector<CleanFailure> failures;
+  std::vector<NeedsRights> needRights;
+  // A path listed in two categories is one item: removed once, counted once.
+  std::unordered_set<std::string> handled;
   for (const auto& item : items) {
+    if (!handled.insert(item.path).second) continue;
     // Interrupted: the item in hand was finished, the rest stay, and the result says what went.
     if (platform_.stopRequested()) break;
     report("Removing " + lastComponent(item.path) + "...");
     if (!trashPath.empty() && item.path == trashPath) {
       if (platform_.trash->empty()) freed.add(item);
+      else failures.push_back({item.path, "the Trash could not be emptied"});
       continue;
     }
-    if (isProtectedFolder(item.path, platform_.paths)) continue;
-    switch (platform::removeItem(item.path)) {
+    if (isProtectedFolder(item.path, platform_.paths)) {
+      failures.push_back({item.path, "is the home or the system folder, or holds it; never removed"});
+      continue;
+    }
+    const platform::Removal removal = platform::removeItemExplained(item.path);
+    switch (removal.outcome) {
     case platform::RemoveOutcome::removed: freed.add(item); break;
-    case platform::RemoveOutcome::permissionDenied: needRights.push_back(item); break;
-    case platform::RemoveOutcome::alreadyGone:
-    case platform::RemoveOutcome::failed: break;
+    case platform::RemoveOutcome::alreadyGone: break;
+    case platform::RemoveOutcome::permissionDenied:
+      // What was refused is described now, from the same no-follow walk, and the helper acts
+      // only on that. An item gone meanwhile is not sent.
+      if (const auto identity = platform::identify(item.path)) {
+        needRights.push_back({item, platform::PrivilegedItem{item.path, *identity}});
+      }
+      break;
+    case platform::RemoveOutcome::failed: failures.push_back({item.path, removal.reason}); break;
     }
   }
 
   if (!needRights.empty() && !platform_.stopRequested()) {
     report("Requesting admin access for system files...");
-    const Freed privileged = cleanWithPrivileges(platform_.privileged.get(), needRights, report);
+    const Freed privileged = cleanWithPrivileges(platform_.privileged.get(), needRights, report, failures);
     freed.bytes += privileged.bytes;
     freed.items += privileged.items;
   }
@@ -99,6 +129,7 @@ CleanResult NativeCleanService::clean(const std::vector<CleanItem>& items, const
   result.freedBytes = freed.bytes;
   result.itemsCleaned = freed.items;
   result.duration = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  result.failedItems = std::move(failures);
   return result;
 }
 

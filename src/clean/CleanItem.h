@@ -32,11 +32,19 @@ struct CleanCategory {
   std::size_t selectedCount() const;
 };
 
+/// An item a clean did not remove, and why.
+struct CleanFailure {
+  std::string path;
+  std::string error;
+};
+
 /// What a clean freed.
 struct CleanResult {
   std::int64_t freedBytes = 0; ///< scanned sizes of the items that are gone
   int itemsCleaned = 0;
   double duration = 0;         ///< seconds, prompt included
+  /// Items that are still there, with the reason; an item that was already gone is none.
+  std::vector<CleanFailure> failedItems = {};
 };
 
 } // namespace halcyra::clean

@@ -96,7 +96,12 @@ void checkOnlyNames(const std::vector<std::string>& only) {
 std::string itemCount(std::size_t count) { return fmt::format("{} {}", count, count == 1 ? "item" : "items"); }
 
 nlohmann::json resultToJson(const clean::CleanResult& result) {
-  return {{"freedBytes", result.freedBytes}, {"itemsCleaned", result.itemsCleaned}, {"duration", result.duration}};
+  nlohmann::json failed = nlohmann::json::array();
+  for (const auto& failure : result.failedItems) failed.push_back({{"path", failure.path}, {"error", failure.error}});
+  return {{"freedBytes", result.freedBytes},
+          {"itemsCleaned", result.itemsCleaned},
+          {"duration", result.duration},
+          {"failedItems", std::move(failed)}};
 }
 
 int runClean(const std::vector<std::string>& args) {
@@ -168,10 +173,13 @@ int runClean(const std::vector<std::string>& args) {
     fmt::print(stdout, "Freed {}, {} in {:.2f} s\n", core::ByteFormatter::format(result.freedBytes),
                              itemCount(static_cast<std::size_t>(result.itemsCleaned)), result.duration);
   }
-  const auto left = items.size() - static_cast<std::size_t>(result.itemsCleaned);
-  if (left == 0) return 0;
+  if (result.failedItems.empty()) return 0;
   flushStandardOutput();
-  fmt::print(stderr, "halcyra clean: {} of {} could not be removed\n", left, itemCount(items.size()));
+  if (!json) {
+    for (const auto& failure : result.failedItems) fmt::print(stderr, "not removed {}: {}\n", escapedName(failure.path), failure.error);
+  }
+  fmt::print(stderr, "halcyra clean: {} of {} could not be removed\n", result.failedItems.size(),
+             itemCount(items.size()));
   return 1;
 }
 

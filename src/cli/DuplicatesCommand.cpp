@@ -118,31 +118,6 @@ void printGroups(const duplicates::FoundDuplicates& found, duplicates::Selection
              core::ByteFormatter::format(totalWasted(found)));
 }
 
-// The marked copies that may still go: a group is skipped whole when no copy it keeps is
-// as the scan saw it, and a marked copy that changed since the scan is skipped.
-std::vector<std::string> pathsStillToDelete(const std::vector<DuplicateGroup>& groups, int& skipped) {
-  std::vector<std::string> paths;
-  for (const auto& group : groups) {
-    bool keptCopyIntact = false;
-    for (const auto& file : group.files) {
-      if (!file.isSelected && duplicates::isUnchangedSinceScan(file)) keptCopyIntact = true;
-    }
-    for (const auto& file : group.files) {
-      if (!file.isSelected) continue;
-      if (!keptCopyIntact) {
-        fmt::print(stderr, "skipped {}: the copy kept of it changed since the scan\n", file.path);
-        ++skipped;
-      } else if (!duplicates::isUnchangedSinceScan(file)) {
-        fmt::print(stderr, "skipped {}: changed since the scan\n", file.path);
-        ++skipped;
-      } else {
-        paths.push_back(file.path);
-      }
-    }
-  }
-  return paths;
-}
-
 int runDuplicates(const std::vector<std::string>& args) {
   Arguments arguments({"--json", "--delete", "--yes"}, {"--min-size", "--keep"});
   arguments.parse(args);
@@ -191,11 +166,14 @@ int runDuplicates(const std::vector<std::string>& args) {
                              core::ByteFormatter::format(totalWasted(found))))) {
       throw CommandError("not confirmed; nothing was deleted.");
     }
-    // Checked after the question: the answer may have taken a while.
-    const auto paths = pathsStillToDelete(groups, skipped);
-    result = service.deleteFiles(paths, [&](const std::string& text) { statusLine.status(text); });
+    // Every copy is checked by the engine right before its deletion: the answer may have
+    // taken a while.
+    result = service.deleteFiles(groups, [&](const std::string& text) { statusLine.status(text); });
     statusLine.finish();
-    skipped += static_cast<int>(paths.size()) - result.filesDeleted;
+    skipped = static_cast<int>(result.failedFiles.size());
+    if (!json) {
+      for (const auto& failure : result.failedFiles) fmt::print(stderr, "not removed {}: {}\n", escapedName(failure.path), failure.error);
+    }
   }
 
   if (json) {

@@ -112,13 +112,24 @@ void from_json(const nlohmann::json& json, DuplicateGroup& group) {
 }
 
 void to_json(nlohmann::json& json, const DuplicateCleanResult& result) {
-  json = nlohmann::json{{"freedBytes", result.freedBytes}, {"filesDeleted", result.filesDeleted}, {"duration", result.duration}};
+  nlohmann::json failed = nlohmann::json::array();
+  for (const auto& failure : result.failedFiles) failed.push_back({{"path", failure.path}, {"error", failure.error}});
+  json = nlohmann::json{{"freedBytes", result.freedBytes},
+                        {"filesDeleted", result.filesDeleted},
+                        {"duration", result.duration},
+                        {"failedFiles", std::move(failed)}};
 }
 
 void from_json(const nlohmann::json& json, DuplicateCleanResult& result) {
   json.at("freedBytes").get_to(result.freedBytes);
   json.at("filesDeleted").get_to(result.filesDeleted);
   json.at("duration").get_to(result.duration);
+  result.failedFiles.clear();
+  if (json.contains("failedFiles")) {
+    for (const auto& failure : json.at("failedFiles")) {
+      result.failedFiles.push_back({failure.at("path").get<std::string>(), failure.at("error").get<std::string>()});
+    }
+  }
 }
 
 void writeJson(const FoundDuplicates& found, SelectionStrategy strategy, const std::function<void(std::string_view)>& write) {

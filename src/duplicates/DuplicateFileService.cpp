@@ -9,7 +9,8 @@
 
 #include "duplicates/ContentHasher.h"
 #include "duplicates/FileIndex.h"
-#include "duplicates/RemovalCommand.h"
+#include "platform/PrivilegedHelper.h"
+#include "platform/RunLock.h"
 #include "platform/SafeRemove.h"
 
 namespace halcyra::duplicates {
@@ -116,45 +117,102 @@ FoundDuplicates DuplicateFileService::find(const std::string& directory, std::in
   return found;
 }
 
-DuplicateCleanResult DuplicateFileService::deleteFiles(const std::vector<std::string>& paths,
+namespace {
+
+// Why a marked copy may not go now; empty when it may. Besides the copy itself, its group must
+// still hold a copy that is kept, unchanged since the scan, and that deleting this one would not
+// take with it: the same directory entry seen twice (one file with one name) is no copy of
+// itself, whereas another name of a file with several names is.
+std::string reasonToKeep(const DuplicateGroup& group, const DuplicateFile& file) {
+  // Only plain absolute paths are ever removed: a relative one would depend on the working
+  // folder, and ".." can climb out of the folder it seems to name.
+  if (!platform::isPlainAbsolutePath(file.path)) return "is not a plain absolute path";
+  if (!isUnchangedSinceScan(file)) return "changed since the scan";
+  bool seenTwice = false;
+  for (const auto& kept : group.files) {
+    if (kept.isSelected || &kept == &file || !isUnchangedSinceScan(kept)) continue;
+    const bool sameFile = kept.stamp.isRecorded() && kept.stamp.device == file.stamp.device &&
+                          kept.stamp.inode == file.stamp.inode;
+    if (!sameFile || kept.stamp.links > 1) return {};
+    seenTwice = true;
+  }
+  if (seenTwice) return "the copy kept of it is this very file, seen under two paths";
+  return "the copy kept of it changed since the scan";
+}
+
+struct Refused {
+  const DuplicateGroup* group;
+  const DuplicateFile* file;
+  platform::PrivilegedItem target;
+};
+
+} // namespace
+
+DuplicateCleanResult DuplicateFileService::deleteFiles(const std::vector<DuplicateGroup>& groups,
                                                        const StatusCallback& onProgress) const {
   const auto start = std::chrono::steady_clock::now();
   DuplicateCleanResult result;
-  std::vector<std::string> failed;
-  for (std::size_t i = 0; i < paths.size(); ++i) {
-    if (i % kDeletedEvery == 0 && onProgress) onProgress(fmt::format("Deleting file {}/{}…", i + 1, paths.size()));
-    const std::string& path = paths[i];
-    // Only plain absolute paths are ever removed: a relative one would depend on the working
-    // folder, ".." can climb out of the folder it seems to name, and on a shell line a path
-    // that is not absolute could read as an option.
-    if (!platform::isPlainAbsolutePath(path)) continue;
-    struct stat info {};
-    if (::lstat(path.c_str(), &info) != 0) {
-      failed.push_back(path);
-      continue;
-    }
-    // A folder standing where a file was is never removed; `rm -f` leaves it in place too.
-    if (S_ISDIR(info.st_mode)) {
-      failed.push_back(path);
-      continue;
-    }
-    if (platform::removeItem(path) == platform::RemoveOutcome::removed) {
-      result.freedBytes += info.st_size;
-      ++result.filesDeleted;
-    } else {
-      failed.push_back(path);
+  const auto lock = platform::RunLock::acquire(platform_.paths, [&] {
+    if (onProgress) onProgress("Waiting for another Halcyra run to finish…");
+  });
+  std::size_t total = 0;
+  for (const auto& group : groups) total += static_cast<std::size_t>(group.selectedCount());
+
+  std::vector<Refused> refused;
+  std::size_t done = 0;
+  for (const auto& group : groups) {
+    for (const auto& file : group.files) {
+      if (!file.isSelected) continue;
+      if (done % kDeletedEvery == 0 && onProgress) onProgress(fmt::format("Deleting file {}/{}…", done + 1, total));
+      ++done;
+      // Vanished: nothing to do, nothing to count.
+      if (platform::isPlainAbsolutePath(file.path) && platform::isGone(file.path)) continue;
+      if (auto reason = reasonToKeep(group, file); !reason.empty()) {
+        result.failedFiles.push_back({file.path, std::move(reason)});
+        continue;
+      }
+      const platform::Removal removal = platform::removeItemExplained(file.path);
+      switch (removal.outcome) {
+      case platform::RemoveOutcome::removed:
+        result.freedBytes += file.size;
+        ++result.filesDeleted;
+        break;
+      case platform::RemoveOutcome::alreadyGone: break;
+      case platform::RemoveOutcome::permissionDenied:
+        if (const auto identity = platform::identify(file.path)) {
+          refused.push_back({&group, &file, platform::PrivilegedItem{file.path, *identity}});
+        }
+        break;
+      case platform::RemoveOutcome::failed: result.failedFiles.push_back({file.path, removal.reason}); break;
+      }
     }
   }
 
-  if (!failed.empty() && platform_.privileged) {
-    // One prompt for the whole batch. A declined prompt and a failed command look alike, so
-    // a refusal ends the attempt rather than asking again for the rest of a split batch.
-    for (const auto& line : removalCommandLines(failed)) {
-      if (!platform_.privileged->runShellLine(line)) break;
+  if (!refused.empty()) {
+    // The checks again, right before the prompt: the deletions above may have taken a while.
+    std::vector<platform::PrivilegedItem> targets;
+    std::vector<const Refused*> sent;
+    for (const auto& entry : refused) {
+      if (auto reason = reasonToKeep(*entry.group, *entry.file); !reason.empty()) {
+        result.failedFiles.push_back({entry.file->path, std::move(reason)});
+        continue;
+      }
+      targets.push_back(entry.target);
+      sent.push_back(&entry);
     }
-    // What the privileged step removed counts as deleted, but its size is not known.
-    for (const auto& path : failed) {
-      if (platform::isGone(path)) ++result.filesDeleted;
+    // One prompt for the whole batch. What the helper removed counts as deleted, but adds
+    // nothing to the bytes freed.
+    const platform::HelperBatch batch = !platform_.privileged || targets.empty()
+                                            ? platform::HelperBatch{}
+                                            : platform::removeWithPrivileges(*platform_.privileged, targets);
+    for (std::size_t i = 0; i < sent.size(); ++i) {
+      if (!batch.granted) {
+        result.failedFiles.push_back({sent[i]->file->path, "administrator access was not granted"});
+        continue;
+      }
+      const platform::HelperReport& report = batch.reports[i];
+      if (report.outcome == platform::HelperOutcome::removed) ++result.filesDeleted;
+      else if (report.outcome == platform::HelperOutcome::failed) result.failedFiles.push_back({sent[i]->file->path, report.reason});
     }
   }
   result.duration = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

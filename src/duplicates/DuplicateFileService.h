@@ -29,9 +29,12 @@ public:
   /// The same scan, its groups held compactly: records are made only when asked for.
   FoundDuplicates find(const std::string& directory, std::int64_t minFileSize, const StatusCallback& onProgress) const;
 
-  /// Deletes the files at `paths` one by one, then makes one privileged attempt for all that
-  /// stayed. Never fails as a whole: a path that stays is simply not counted.
-  DuplicateCleanResult deleteFiles(const std::vector<std::string>& paths, const StatusCallback& onProgress) const;
+  /// Deletes the selected copies of `groups` one by one, then makes one privileged attempt for
+  /// those refused for lack of rights. Right before each deletion the copy is checked to be
+  /// unchanged since the scan, and its group to still hold an unchanged copy that is kept and
+  /// is not the same entry seen twice; otherwise it stays. Runs that delete exclude one
+  /// another. Never fails as a whole: a copy that stays is listed with its reason.
+  DuplicateCleanResult deleteFiles(const std::vector<DuplicateGroup>& groups, const StatusCallback& onProgress) const;
 
   /// The number of threads that read and digest files during a scan.
   static unsigned hashingWorkers();

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "duplicates/PackageNames.h"
+#include "platform/MountPoints.h"
 
 namespace halcyra::duplicates {
 namespace {
@@ -127,10 +128,13 @@ std::optional<FileIndex> FileIndex::build(const std::string& root, std::int64_t 
           if (isExcludedName(name)) continue;
           if (name.front() == '.') continue; // hidden, and "." and ".."
           unsigned char type = entry->d_type;
-          struct stat info {};
+          platform::EntryStatus status;
+          const struct stat& info = status.info;
           bool haveInfo = false;
           if (type == DT_UNKNOWN || type == DT_REG) {
-            if (::fstatat(descriptor, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0) continue;
+            if (!platform::statEntry(descriptor, entry->d_name, status)) continue;
+            // A file mounted over another is one file seen under two names: never indexed.
+            if (status.isMountRoot) continue;
             haveInfo = true;
             type = S_ISREG(info.st_mode) ? DT_REG : S_ISDIR(info.st_mode) ? DT_DIR : DT_UNKNOWN;
           }
@@ -156,8 +160,15 @@ std::optional<FileIndex> FileIndex::build(const std::string& root, std::int64_t 
     folder = pending.back();
     pending.pop_back();
     index.folderPath(folder, folderPath);
-    // O_NOFOLLOW: a folder swapped for a link since it was listed is not entered.
+    // O_NOFOLLOW: a folder swapped for a link since it was listed is not entered. Nor is a
+    // mount point: another volume, or a folder of this one mounted here again, whose files
+    // would otherwise be seen twice and taken for copies of themselves.
     descriptor = ::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    platform::EntryStatus self;
+    if (descriptor >= 0 && (!platform::statEntry(descriptor, "", self) || self.isMountRoot)) {
+      ::close(descriptor);
+      descriptor = -1;
+    }
   }
   return index;
 }

@@ -26,8 +26,15 @@ std::vector<DuplicateGroup> FoundDuplicates::records() const {
     group.fileSize = fileSize(g);
     group.files.reserve(fileCount(g));
     for (std::size_t position = 0; position < fileCount(g); ++position) {
-      group.files.push_back(DuplicateFile{core::makeUuid(), index_.path(fileAt(g, position)), group.fileSize,
-                                          modificationDate(g, position), position != 0});
+      DuplicateFile file{core::makeUuid(), index_.path(fileAt(g, position)), group.fileSize,
+                         modificationDate(g, position), position != 0, {}};
+      // The stamp holds only while the file is still as the scan measured it; one that changed
+      // since keeps none, and its size and date then tell that it changed.
+      std::int64_t size = -1;
+      FileDate modified = distantPast();
+      const FileStamp stamp = currentStamp(file.path, size, modified);
+      if (size == file.size && modified == file.modificationDate) file.stamp = stamp;
+      group.files.push_back(std::move(file));
     }
     records.push_back(std::move(group));
   }

@@ -13,4 +13,17 @@ bool OsascriptPrivilegedRunner::runShellLine(const std::string& line) {
   return runAppleScript(*runner_, administratorScript(line)).has_value();
 }
 
+PrivilegedOutput OsascriptPrivilegedRunner::runHelper(const std::vector<std::string>& arguments) {
+  std::string line = shellQuote(helperPath_);
+  for (const auto& argument : arguments) {
+    line += ' ';
+    line += shellQuote(argument);
+  }
+  if (line.find('\0') != std::string::npos || !core::isValidUtf8(line)) return {};
+  // The helper's report is the script's result; its line feeds are kept as they are.
+  auto result = runAppleScript(*runner_, administratorScript(line) + " without altering line endings");
+  if (!result) return {};
+  return PrivilegedOutput{true, std::move(*result)};
+}
+
 } // namespace halcyra::platform

@@ -1,6 +1,7 @@
 #include "platform/SafeRemove.h"
 
 #include <cerrno>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <optional>
@@ -8,6 +9,8 @@
 #include <unistd.h>
 #include <utility>
 #include <vector>
+
+#include "platform/MountPoints.h"
 
 namespace halcyra::platform {
 namespace {
@@ -103,7 +106,18 @@ struct ParentFolder {
   Fd fd;
   std::string name; ///< the last component
   std::optional<RemoveOutcome> failure;
+  std::string reason;
 };
+
+constexpr const char* kPathChanged = "a folder on its path is a link or has been replaced";
+
+std::string errorText(int error) { return std::strerror(error); }
+
+void failLookup(ParentFolder& result, int error) {
+  result.failure = lookupFailure(error);
+  if (error == ELOOP || error == ENOTDIR) result.reason = kPathChanged;
+  else if (error != ENOENT) result.reason = errorText(error);
+}
 
 // Opens every folder on the way from "/" by its name under the folder before it, refusing links,
 // so that a folder swapped for a link anywhere on the path stops the lookup.
@@ -111,6 +125,7 @@ ParentFolder openParent(const std::string& path) {
   ParentFolder result;
   if (!isPlainAbsolutePath(path)) {
     result.failure = RemoveOutcome::failed;
+    result.reason = "is not a plain absolute path";
     return result;
   }
   std::vector<std::string> parts = componentsOf(path);
@@ -118,19 +133,20 @@ ParentFolder openParent(const std::string& path) {
   parts.pop_back();
   result.fd = Fd(::open("/", kPassFlags));
   if (!result.fd) {
-    result.failure = lookupFailure(errno);
+    failLookup(result, errno);
     return result;
   }
   for (const auto& part : parts) {
     Fd next(::openat(result.fd.get(), part.c_str(), kPassFlags));
     if (!next) {
-      result.failure = lookupFailure(errno);
+      failLookup(result, errno);
       return result;
     }
     // Some systems hand out a descriptor of the link itself for a path-only, no-follow open.
     struct stat info {};
     if (::fstat(next.get(), &info) != 0 || !S_ISDIR(info.st_mode)) {
       result.failure = RemoveOutcome::failed;
+      result.reason = kPathChanged;
       return result;
     }
     result.fd = std::move(next);
@@ -143,11 +159,10 @@ ParentFolder openParent(const std::string& path) {
 /// Only one folder of the tree is open at a time: the walk goes down by name from the open
 /// folder and back up through "..", checking that ".." is the very folder it came from, so a
 /// tree of any depth needs two descriptors and no recursion. A folder that was moved away in
-/// the meantime ends the walk instead of letting it unlink entries somewhere else.
+/// the meantime ends the walk instead of letting it unlink entries somewhere else. A folder on
+/// another mount (a volume, or a bind mount of the same file system) is never entered.
 class TreeEmptier {
 public:
-  explicit TreeEmptier(dev_t device) : device_(device) {}
-
   void empty(Fd top) {
     struct stat self {};
     if (::fstat(top.get(), &self) != 0) {
@@ -178,7 +193,7 @@ public:
       struct stat info {};
       if (!parent || ::fstat(parent.get(), &info) != 0 || info.st_dev != stack.back().device ||
           info.st_ino != stack.back().inode) {
-        failed_ = true;
+        fail("a folder inside it was moved away during the removal");
         return;
       }
       current = std::move(parent);
@@ -186,10 +201,10 @@ public:
     }
   }
 
-  RemoveOutcome outcome() const {
-    if (failed_) return RemoveOutcome::failed;
-    if (refused_) return RemoveOutcome::permissionDenied;
-    return RemoveOutcome::removed;
+  Removal outcome() const {
+    if (failed_) return {RemoveOutcome::failed, reason_};
+    if (refused_) return {RemoveOutcome::permissionDenied, reason_};
+    return {RemoveOutcome::removed, {}};
   }
 
 private:
@@ -200,17 +215,26 @@ private:
     std::vector<std::string> subfolders; ///< still to do, taken from the back
   };
 
+  void fail(std::string reason) {
+    if (!failed_) reason_ = std::move(reason);
+    failed_ = true;
+  }
+
   void note(int error) {
     if (error == ENOENT) return; // gone already: nothing left to do
-    if (isPermissionError(error)) refused_ = true;
-    else failed_ = true;
+    if (isPermissionError(error)) {
+      if (!refused_ && !failed_) reason_ = "permission denied for something inside it";
+      refused_ = true;
+    } else {
+      fail("something inside it could not be removed: " + errorText(error));
+    }
   }
 
   // A folder that stays non-empty after its walk holds what was refused or failed; if nothing
   // was, an entry appeared during the walk, and the tree is not gone.
   void noteFolderError(int error) {
     if (error == ENOTEMPTY || error == EEXIST) {
-      if (!refused_ && !failed_) failed_ = true;
+      if (!refused_ && !failed_) fail("something was added inside it during the removal");
       return;
     }
     note(error);
@@ -233,9 +257,9 @@ private:
       note(errno);
       return Fd();
     }
-    if (info.st_dev != device_) {
-      // A volume mounted inside the tree: never entered, so the tree stays.
-      failed_ = true;
+    if (isMountPoint(parent, child.get())) {
+      // A volume or a bind mount inside the tree: never entered, so the tree stays.
+      fail("a mounted folder inside it is never entered");
       return Fd();
     }
     return child;
@@ -249,20 +273,21 @@ private:
     std::vector<std::string> others;
     const int listingFd = ::dup(folder);
     if (listingFd < 0) {
-      failed_ = true;
+      fail("it could not be read: " + errorText(errno));
       return subfolders;
     }
     DIR* listing = ::fdopendir(listingFd);
     if (listing == nullptr) {
       ::close(listingFd);
-      failed_ = true;
+      fail("it could not be read: " + errorText(errno));
       return subfolders;
     }
     while (true) {
       errno = 0;
       const dirent* entry = ::readdir(listing);
       if (entry == nullptr) {
-        if (errno != 0) failed_ = true; // a read error: the listing is incomplete
+        // A read error: the listing is incomplete.
+        if (errno != 0) fail("a folder inside it could not be read: " + errorText(errno));
         break;
       }
       if (isDotOrDotDot(entry->d_name)) continue;
@@ -295,38 +320,80 @@ private:
     return subfolders;
   }
 
-  dev_t device_;
   bool refused_ = false;
   bool failed_ = false;
+  std::string reason_;
 };
 
-// Empties the folder `name` under the open `parent`, then removes it.
-RemoveOutcome removeFolder(int parent, const std::string& name) {
+Removal failure(RemoveOutcome outcome, int error) {
+  if (outcome == RemoveOutcome::alreadyGone) return {outcome, {}};
+  if (outcome == RemoveOutcome::permissionDenied) return {outcome, "permission denied"};
+  return {outcome, "could not be removed: " + errorText(error)};
+}
+
+FileIdentity identityOf(const struct stat& info) {
+  return FileIdentity{static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino)};
+}
+
+constexpr const char* kReplaced = "was replaced since it was reviewed";
+
+// Empties the folder `name` under the open `parent`, then removes it. With `expected`, the
+// folder opened must be that very folder.
+Removal removeFolder(int parent, const std::string& name, const FileIdentity* expected) {
   Fd folder(::openat(parent, name.c_str(), kListFlags));
   if (!folder) {
     const int error = errno;
     if (error == ELOOP || error == ENOTDIR) {
-      // Swapped for a link or a file since the look: remove the name, never what it points at.
-      if (::unlinkat(parent, name.c_str(), 0) == 0) return RemoveOutcome::removed;
-      return unlinkFailure(errno);
+      // Swapped for a link or a file since the look. Without an identity to hold to, the name
+      // goes and never what it points at; with one, it is not the item that was reviewed.
+      if (expected != nullptr) return {RemoveOutcome::failed, kReplaced};
+      if (::unlinkat(parent, name.c_str(), 0) == 0) return {RemoveOutcome::removed, {}};
+      const int unlinkError = errno;
+      return failure(unlinkFailure(unlinkError), unlinkError);
     }
-    return lookupFailure(error);
+    return failure(lookupFailure(error), error);
   }
   struct stat self {};
-  struct stat above {};
-  if (::fstat(folder.get(), &self) != 0 || ::fstat(parent, &above) != 0) return RemoveOutcome::failed;
-  if (self.st_dev != above.st_dev) return RemoveOutcome::failed; // a mount point: never emptied
+  if (::fstat(folder.get(), &self) != 0) return failure(RemoveOutcome::failed, errno);
+  if (expected != nullptr && identityOf(self) != *expected) return {RemoveOutcome::failed, kReplaced};
+  if (isMountPoint(parent, folder.get())) return {RemoveOutcome::failed, "is a mount point, which is never removed"};
 
-  TreeEmptier emptier(self.st_dev);
+  TreeEmptier emptier;
   emptier.empty(std::move(folder));
-  const RemoveOutcome inside = emptier.outcome();
-  if (::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0) return RemoveOutcome::removed;
+  const Removal inside = emptier.outcome();
+  if (::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0) return {RemoveOutcome::removed, {}};
   const int error = errno;
-  if (error == ENOENT) return RemoveOutcome::removed; // emptied, and taken away by someone else
+  if (error == ENOENT) return {RemoveOutcome::removed, {}}; // emptied, and taken away by someone else
   if (error == ENOTEMPTY || error == EEXIST) {
-    return inside == RemoveOutcome::removed ? RemoveOutcome::failed : inside;
+    if (inside.outcome == RemoveOutcome::removed) return {RemoveOutcome::failed, "something was added inside it during the removal"};
+    return inside;
   }
-  return worse(inside, unlinkFailure(error));
+  const Removal own = failure(unlinkFailure(error), error);
+  return worse(inside.outcome, own.outcome) == inside.outcome ? inside : own;
+}
+
+// Removes the entry `name` of the open folder `parent`: a file, link or special file by
+// unlinking its name, a folder by emptying it first.
+Removal removeEntry(int parent, const std::string& name, const FileIdentity* expected) {
+  struct stat info {};
+  if (::fstatat(parent, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    const int error = errno;
+    return failure(lookupFailure(error), error);
+  }
+  if (expected != nullptr && identityOf(info) != *expected) return {RemoveOutcome::failed, kReplaced};
+  if (!S_ISDIR(info.st_mode)) {
+    if (::unlinkat(parent, name.c_str(), 0) == 0) return {RemoveOutcome::removed, {}};
+    const int error = errno;
+    const bool becameFolder = (error == EISDIR || error == EPERM) &&
+                              ::fstatat(parent, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+                              S_ISDIR(info.st_mode);
+    if (!becameFolder) {
+      if (error == EBUSY) return {RemoveOutcome::failed, "is a mount point, which is never removed"};
+      return failure(unlinkFailure(error), error);
+    }
+    if (expected != nullptr) return {RemoveOutcome::failed, kReplaced};
+  }
+  return removeFolder(parent, name, expected);
 }
 
 } // namespace
@@ -340,20 +407,31 @@ bool isPlainAbsolutePath(std::string_view path) {
   return true;
 }
 
-RemoveOutcome removeItem(const std::string& path) {
+Removal removeItemExplained(const std::string& path) {
   ParentFolder parent = openParent(path);
-  if (parent.failure) return *parent.failure;
-  struct stat info {};
-  if (::fstatat(parent.fd.get(), parent.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) return lookupFailure(errno);
-  if (!S_ISDIR(info.st_mode)) {
-    if (::unlinkat(parent.fd.get(), parent.name.c_str(), 0) == 0) return RemoveOutcome::removed;
-    const int error = errno;
-    const bool becameFolder = (error == EISDIR || error == EPERM) &&
-                              ::fstatat(parent.fd.get(), parent.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
-                              S_ISDIR(info.st_mode);
-    if (!becameFolder) return unlinkFailure(error);
-  }
-  return removeFolder(parent.fd.get(), parent.name);
+  if (parent.failure) return {*parent.failure, parent.reason};
+  return removeEntry(parent.fd.get(), parent.name, nullptr);
+}
+
+RemoveOutcome removeItem(const std::string& path) { return removeItemExplained(path).outcome; }
+
+std::optional<ItemIdentity> identify(const std::string& path) {
+  ParentFolder parent = openParent(path);
+  if (parent.failure) return std::nullopt;
+  struct stat folder {};
+  struct stat item {};
+  if (::fstat(parent.fd.get(), &folder) != 0) return std::nullopt;
+  if (::fstatat(parent.fd.get(), parent.name.c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+  return ItemIdentity{identityOf(item), identityOf(folder)};
+}
+
+Removal removeIdentified(const std::string& path, const ItemIdentity& expected) {
+  ParentFolder parent = openParent(path);
+  if (parent.failure) return {*parent.failure, parent.reason};
+  struct stat folder {};
+  if (::fstat(parent.fd.get(), &folder) != 0) return failure(RemoveOutcome::failed, errno);
+  if (identityOf(folder) != expected.parent) return {RemoveOutcome::failed, "the folder that holds it was replaced since it was reviewed"};
+  return removeEntry(parent.fd.get(), parent.name, &expected.item);
 }
 
 RemoveOutcome removeContents(const std::string& path) {
@@ -361,11 +439,10 @@ RemoveOutcome removeContents(const std::string& path) {
   if (parent.failure) return *parent.failure;
   Fd folder(::openat(parent.fd.get(), parent.name.c_str(), kListFlags));
   if (!folder) return lookupFailure(errno);
-  struct stat self {};
-  if (::fstat(folder.get(), &self) != 0) return RemoveOutcome::failed;
-  TreeEmptier emptier(self.st_dev);
+  if (isMountPoint(parent.fd.get(), folder.get())) return RemoveOutcome::failed; // never emptied
+  TreeEmptier emptier;
   emptier.empty(std::move(folder));
-  return emptier.outcome();
+  return emptier.outcome().outcome;
 }
 
 bool isGone(const std::string& path) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,6 +31,42 @@ enum class RemoveOutcome {
 /// during the walk) gives `failed`, so that no privileged removal is tried on it. Any depth and
 /// any number of entries are removed with a small, fixed number of open descriptors.
 RemoveOutcome removeItem(const std::string& path);
+
+/// Which file an entry is: device and inode, as seen without following a link.
+struct FileIdentity {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+
+/// An item and the folder that holds it, as the unprivileged side saw them. The privileged
+/// step acts on a path only while both are still the same files.
+struct ItemIdentity {
+  FileIdentity item;
+  FileIdentity parent;
+  bool operator==(const ItemIdentity&) const = default;
+};
+
+/// How a removal ended, with the reason in words when it did not succeed.
+struct Removal {
+  RemoveOutcome outcome = RemoveOutcome::failed;
+  std::string reason; ///< empty for `removed` and `alreadyGone`
+};
+
+/// The identities of the item at `path` and of its folder, reached as removeItem reaches them:
+/// from "/", one component at a time, no link followed. None when the path is not plain, a
+/// link or a file stands on the way, or the item is gone.
+std::optional<ItemIdentity> identify(const std::string& path);
+
+/// removeItem for an item that must still be the one identified: the folders on the way are
+/// opened without following links, the folder that holds the item and the item itself must
+/// have the identities given (a folder is checked again once it is open), and only then is it
+/// removed with the same care. An item that is gone gives `alreadyGone`; a changed one
+/// `failed`, with the reason.
+Removal removeIdentified(const std::string& path, const ItemIdentity& expected);
+
+/// removeItem with the reason of a failure in words.
+Removal removeItemExplained(const std::string& path);
 
 /// Removes everything inside the folder at `path` and leaves the folder itself, with the same
 /// care as removeItem. `removed` when the folder is empty afterwards, `alreadyGone` when there

@@ -14,6 +14,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "platform/MountPoints.h"
+
 namespace halcyra::platform {
 namespace {
 
@@ -202,14 +204,15 @@ std::int64_t TreeSizer::State::Worker::walk(const Job& job) {
       const int child = ::openat(top.fd, name.c_str(), kDirectoryFlags);
       if (child < 0) continue; // unreadable or gone: counts nothing
       const int depth = top.depth + 1;
+      // A mounted volume or a folder mounted here again is not part of the measured tree.
+      EntryStatus status;
+      if (!statEntry(child, "", status) || status.isMountRoot) {
+        ::close(child);
+        continue;
+      }
       std::optional<FolderKey> key;
       if (depth <= kRememberedDepth) {
-        struct stat info {};
-        if (::fstat(child, &info) != 0) {
-          ::close(child);
-          continue;
-        }
-        key = keyOf(info);
+        key = keyOf(status.info);
         if (const auto size = knownSize(*key)) {
           top.subtotal += *size;
           ::close(child);
@@ -273,11 +276,13 @@ void TreeSizer::State::Worker::measurePath(std::size_t slot) {
   if (!S_ISDIR(info.st_mode)) return;
   const int fd = ::open(path.c_str(), kDirectoryFlags);
   if (fd < 0) return;
-  if (::fstat(fd, &info) != 0) {
+  // A mount point is never removed, so it measures nothing.
+  EntryStatus status;
+  if (!statEntry(fd, "", status) || status.isMountRoot) {
     ::close(fd);
     return;
   }
-  const FolderKey key = keyOf(info);
+  const FolderKey key = keyOf(status.info);
   if (const auto size = knownSize(key)) {
     ::close(fd);
     batch_.results[slot] += *size;

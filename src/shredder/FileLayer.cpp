@@ -30,8 +30,8 @@ int FileLayer::syncData(int fd) {
 
 int FileLayer::truncate(int fd, std::int64_t length) { return ::ftruncate(fd, static_cast<off_t>(length)); }
 
-int FileLayer::createExclusive(const std::string& path) {
-  return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+int FileLayer::createExclusive(int folder, const std::string& name) {
+  return ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
 }
 
 } // namespace halcyra::shredder

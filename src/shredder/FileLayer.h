@@ -27,8 +27,9 @@ public:
   virtual int syncData(int fd);
   /// ftruncate.
   virtual int truncate(int fd, std::int64_t length);
-  /// A new file for writing, never an existing one and never through a link; the descriptor.
-  virtual int createExclusive(const std::string& path);
+  /// A new file `name` in the open folder `folder`, for writing, never an existing one and
+  /// never through a link; the descriptor.
+  virtual int createExclusive(int folder, const std::string& name);
 };
 
 } // namespace halcyra::shredder

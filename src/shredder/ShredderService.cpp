@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <system_error>
 #include <dirent.h>
 #include <fcntl.h>
@@ -16,8 +17,12 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <set>
+#include <utility>
+
 #include "core/Uuid.h"
-#include "platform/ShellQuoting.h"
+#include "platform/MountPoints.h"
+#include "platform/PrivilegedHelper.h"
 #include "shredder/ShredderError.h"
 
 namespace halcyra::shredder {
@@ -87,11 +92,6 @@ std::string normalizeInput(const std::string& path) {
   return out;
 }
 
-bool existsNoFollow(const std::string& path) {
-  struct stat st {};
-  return ::lstat(path.c_str(), &st) == 0;
-}
-
 constexpr std::string_view kLinkRefusal =
     "is a symbolic link, not a file; the file it points to is left alone (name that file to shred it)";
 
@@ -128,9 +128,27 @@ bool isHidden(const std::string& name, [[maybe_unused]] const struct stat& st) {
   return false;
 }
 
-ShredderFile makeRecord(const std::string& path, std::int64_t size) {
-  return ShredderFile{core::makeUuid(), path, lastComponent(path), size, true};
+platform::FileIdentity identityOf(const struct stat& st) {
+  return {static_cast<std::uint64_t>(st.st_dev), static_cast<std::uint64_t>(st.st_ino)};
 }
+
+ShredderFile makeRecord(const std::string& path, const struct stat& st, const struct stat& folder) {
+  ShredderFile file{core::makeUuid(), path, lastComponent(path), static_cast<std::int64_t>(st.st_size), true, {}};
+  file.identity = platform::ItemIdentity{identityOf(st), identityOf(folder)};
+  return file;
+}
+
+/// Files already listed, by identity: a second name of one file (a folder reached twice
+/// through a link) lists nothing more.
+using Listed = std::set<std::pair<std::uint64_t, std::uint64_t>>;
+
+bool firstSighting(Listed& listed, const struct stat& st) {
+  return listed.emplace(static_cast<std::uint64_t>(st.st_dev), static_cast<std::uint64_t>(st.st_ino)).second;
+}
+
+constexpr std::string_view kFolderReplaced = "its folder was replaced since it was listed; nothing in it was touched";
+constexpr std::string_view kFileReplaced = "was replaced since it was listed; the file now there was left alone";
+constexpr std::string_view kGone = "no longer exists; it was removed or moved since it was listed";
 
 /// Reads until `length` bytes or the end of the file; the count read.
 std::size_t readFully(FileLayer& layer, int fd, unsigned char* data, std::size_t length, std::int64_t offset) {
@@ -164,18 +182,19 @@ void syncOrThrow(FileLayer& layer, int fd) {
   if (layer.syncData(fd) != 0) throwErrno("sync");
 }
 
-/// Renames without ever replacing an existing entry; 0 on success like rename.
-int renameNoReplace(const std::string& from, const std::string& to) {
+/// Renames within one open folder without ever replacing an existing entry; 0 on success.
+int renameNoReplace(int folder, const std::string& from, const std::string& to) {
 #if defined(RENAME_NOREPLACE)
-  const int result = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+  const int result = ::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE);
   if (result == 0 || errno != EINVAL) return result;
   // The file system cannot refuse to replace; a fresh UUID leaves only a check to make.
 #endif
-  if (existsNoFollow(to)) {
+  struct stat st {};
+  if (::fstatat(folder, to.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0) {
     errno = EEXIST;
     return -1;
   }
-  return ::rename(from.c_str(), to.c_str());
+  return ::renameat(folder, from.c_str(), folder, to.c_str());
 }
 
 /// The nonce of chunk `index` of a file: four zero bytes, then the index as a big-endian
@@ -200,6 +219,7 @@ struct Frame {
   std::string path;
   std::vector<std::string> names;
   std::size_t next = 0;
+  struct stat self {};
 };
 
 /// Takes ownership of `fd`. False when the folder cannot be listed.
@@ -209,7 +229,11 @@ bool openFrame(int fd, std::string path, std::vector<Frame>& stack) {
     ::close(fd);
     return false;
   }
-  Frame frame{dir, std::move(path), {}, 0};
+  Frame frame{dir, std::move(path), {}, 0, {}};
+  if (::fstat(::dirfd(dir), &frame.self) != 0) {
+    ::closedir(dir);
+    return false;
+  }
   while (const dirent* entry = ::readdir(dir)) {
     const std::string_view name(entry->d_name);
     if (name == "." || name == "..") continue;
@@ -223,8 +247,8 @@ bool openFrame(int fd, std::string path, std::vector<Frame>& stack) {
 /// The regular, non-hidden files below an open folder, in depth-first order with names
 /// sorted; an explicit stack, so depth costs no call stack. Entries are examined relative to
 /// the open folder without following links, so a folder swapped for a link is not entered.
-void walkFolder(int fd, const std::string& path, dev_t device, std::vector<ShredderFile>& out,
-                std::vector<ShredderRefusal>& refused) {
+void walkFolder(int fd, const std::string& path, std::vector<ShredderFile>& out, std::vector<ShredderRefusal>& refused,
+                Listed& listed) {
   std::vector<Frame> stack;
   if (!openFrame(fd, path, stack)) return;
   while (!stack.empty()) {
@@ -241,42 +265,40 @@ void walkFolder(int fd, const std::string& path, dev_t device, std::vector<Shred
     if (isHidden(name, st)) continue;
     const std::string child = join(frame.path, name);
     if (S_ISDIR(st.st_mode)) {
-      if (st.st_dev != device) {
-        refused.push_back({child, "is another file system mounted inside the folder; it is not entered"});
-        continue;
-      }
       const int childFd = ::openat(folderFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
       if (childFd < 0) continue;
+      if (platform::isMountPoint(folderFd, childFd)) {
+        ::close(childFd);
+        refused.push_back({child, "is a mount point (another volume, or a folder mounted here); it is not entered"});
+        continue;
+      }
       openFrame(childFd, child, stack); // may reallocate: `frame` is not used after this
     } else if (S_ISREG(st.st_mode)) {
       if (auto reason = refusalOf(st); !reason.empty()) {
         refused.push_back({child, std::move(reason)});
         continue;
       }
-      out.push_back(makeRecord(child, static_cast<std::int64_t>(st.st_size)));
+      if (firstSighting(listed, st)) out.push_back(makeRecord(child, st, frame.self));
     }
   }
+}
+
+/// The name goes too: a random one, in the same folder so the move is only a rename. The entry
+/// removed is checked to be the file just overwritten.
+void renameAndDelete(int folder, const std::string& name, const platform::FileIdentity& identity) {
+  const std::string renamed = core::makeUuid();
+  const bool moved = renameNoReplace(folder, name, renamed) == 0;
+  const std::string& victim = moved ? renamed : name;
+  struct stat st {};
+  if (::fstatat(folder, victim.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) throwErrno("stat");
+  if (identityOf(st) != identity) throw std::runtime_error("replaced before its name was removed");
+  if (::unlinkat(folder, victim.c_str(), 0) != 0) throwErrno("unlink");
 }
 
 } // namespace
 
 ShredderService::ShredderService(platform::Platform platform, std::shared_ptr<FileLayer> files)
     : platform_(std::move(platform)), files_(files ? std::move(files) : std::make_shared<FileLayer>()) {}
-
-std::string ShredderService::fallbackShellLine(const std::string& path, int passes) {
-  const std::string quoted = platform::shellQuote(path);
-  // The test keeps the privileged tool away from links (it would overwrite the target) and
-  // from files with other names (their data would go too), as the unprivileged path does.
-  const std::string guard = "[ -f " + quoted + " ] && [ ! -h " + quoted + " ] && ";
-#if defined(__APPLE__)
-  (void)passes;
-  return guard + "[ \"$(stat -f %l " + quoted + ")\" = 1 ] && rm -fP -- " + quoted;
-#else
-  // There is no rm -P here: coreutils shred overwrites, renames and removes the file.
-  return guard + "[ \"$(stat -c %h -- " + quoted + ")\" = 1 ] && shred -n " + std::to_string(std::max(passes, 0)) +
-         " -u -- " + quoted;
-#endif
-}
 
 std::vector<ShredderFile> ShredderService::resolveFiles(const std::vector<std::string>& paths) const {
   std::vector<ShredderRefusal> ignored;
@@ -286,6 +308,7 @@ std::vector<ShredderFile> ShredderService::resolveFiles(const std::vector<std::s
 std::vector<ShredderFile> ShredderService::resolveFiles(const std::vector<std::string>& paths,
                                                         std::vector<ShredderRefusal>& refused) const {
   std::vector<ShredderFile> out;
+  Listed listed;
   struct stat root {};
   const bool haveRoot = ::stat(platform_.paths.system("/").c_str(), &root) == 0;
   for (const auto& given : paths) {
@@ -317,14 +340,26 @@ std::vector<ShredderFile> ShredderService::resolveFiles(const std::vector<std::s
         refused.push_back({given, "was replaced while it was being opened"});
         continue;
       }
-      walkFolder(fd, path, st.st_dev, out, refused);
+      walkFolder(fd, path, out, refused, listed);
       continue;
     }
     if (auto reason = refusalOf(st); !reason.empty()) {
       refused.push_back({given, std::move(reason)});
       continue;
     }
-    out.push_back(makeRecord(path, static_cast<std::int64_t>(st.st_size)));
+    // The file is bound to the folder it was found in, as that folder's descriptor sees it.
+    const int folder = ::open(parentOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    struct stat above {};
+    struct stat seen {};
+    const bool bound = folder >= 0 && ::fstat(folder, &above) == 0 &&
+                       ::fstatat(folder, lastComponent(path).c_str(), &seen, AT_SYMLINK_NOFOLLOW) == 0 &&
+                       seen.st_dev == st.st_dev && seen.st_ino == st.st_ino;
+    if (folder >= 0) ::close(folder);
+    if (!bound) {
+      refused.push_back({given, "was replaced while it was being listed"});
+      continue;
+    }
+    if (firstSighting(listed, st)) out.push_back(makeRecord(path, st, above));
   }
   return out;
 }
@@ -358,11 +393,11 @@ ShredResult ShredderService::shredFiles(const std::vector<ShredderFile>& files, 
     std::string reason;
     bool gone = false;
     try {
-      gone = shredSingleFile(file.path, passCount, onStage, reason) == Outcome::destroyed;
+      gone = shredSingleFile(file, passCount, onStage, reason) == Outcome::destroyed;
     } catch (const std::exception&) {
       // The file as such failed (rights, a failed write or sync, a failed deletion): its one
       // chance left is the privileged path. The error itself says nothing the count doesn't.
-      gone = fallBack(file.path, passCount, reason);
+      gone = fallBack(file, passCount, reason);
     }
     if (gone) {
       result.filesShredded += 1;
@@ -382,35 +417,68 @@ ShredResult ShredderService::shredFiles(const std::vector<ShredderFile>& files, 
   return result;
 }
 
-ShredderService::Outcome ShredderService::shredSingleFile(const std::string& path, int passes,
+ShredderService::Outcome ShredderService::shredSingleFile(const ShredderFile& file, int passes,
                                                           const StageProgress& onStageProgress,
                                                           std::string& refusalReason) const {
   // Every call would stop at the NUL and act on another, shorter path.
-  if (path.find('\0') != std::string::npos) {
+  if (file.path.find('\0') != std::string::npos) {
     refusalReason = kNulRefusal;
     return Outcome::refused;
   }
+  const bool bound = file.identity.parent != platform::FileIdentity{};
+  Descriptor folder(::open(parentOf(file.path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder) {
+    if (errno == ENOENT) {
+      refusalReason = kGone;
+      return Outcome::refused;
+    }
+    throwErrno("open folder");
+  }
+  struct stat above {};
+  if (::fstat(folder.get(), &above) != 0) throwErrno("stat folder");
+  if (bound && identityOf(above) != file.identity.parent) {
+    refusalReason = kFolderReplaced;
+    return Outcome::refused;
+  }
+  return destroyEntry(folder.get(), lastComponent(file.path), bound ? &file.identity.item : nullptr, passes,
+                      onStageProgress, refusalReason);
+}
+
+ShredderService::Outcome ShredderService::destroyEntry(int folder, const std::string& name,
+                                                       const platform::FileIdentity* expected, int passes,
+                                                       const StageProgress& onStageProgress,
+                                                       std::string& refusalReason) const {
   struct stat listed {};
-  if (::lstat(path.c_str(), &listed) != 0) throwErrno("stat");
+  if (::fstatat(folder, name.c_str(), &listed, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (errno == ENOENT) {
+      refusalReason = kGone;
+      return Outcome::refused;
+    }
+    throwErrno("stat");
+  }
   if (refusalReason = refusalOf(listed); !refusalReason.empty()) return Outcome::refused;
+  if (expected != nullptr && identityOf(listed) != *expected) {
+    refusalReason = kFileReplaced;
+    return Outcome::refused;
+  }
 
   // An empty file has nothing to overwrite: it is only renamed and deleted, which needs no
   // right on the file itself.
   if (listed.st_size < 1) {
-    renameAndDelete(path);
+    renameAndDelete(folder, name, identityOf(listed));
     return Outcome::destroyed;
   }
 
   // No-follow and non-blocking: a link swapped in fails to open, and a FIFO swapped in opens
   // without waiting for a writer, so the checks on the descriptor below can refuse it.
-  Descriptor fd(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  Descriptor fd(::openat(folder, name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (!fd) {
     if (errno == ELOOP) {
       refusalReason = kLinkRefusal;
       return Outcome::refused;
     }
-    const bool readable = ::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
-    throw ShredderError(readable ? ShredderError::Kind::cannotOpenFile : ShredderError::Kind::cannotReadFile, path);
+    const bool readable = ::faccessat(folder, name.c_str(), R_OK, AT_EACCESS) == 0;
+    throw ShredderError(readable ? ShredderError::Kind::cannotOpenFile : ShredderError::Kind::cannotReadFile, name);
   }
   struct stat opened {};
   if (::fstat(fd.get(), &opened) != 0) throwErrno("stat");
@@ -427,13 +495,13 @@ ShredderService::Outcome ShredderService::shredSingleFile(const std::string& pat
     // The buffer holds plain text between a read and its seal: wiped however the stage ends.
     std::vector<unsigned char> chunk(static_cast<std::size_t>(std::min(size, kChunkSize)));
     const std::unique_ptr<std::vector<unsigned char>, BufferWipe> wipe(&chunk);
-    encryptInPlace(fd.get(), path, size, chunk, onStageProgress);
+    encryptInPlace(fd.get(), name, size, chunk, onStageProgress);
     overwrite(fd.get(), size, passes, chunk, onStageProgress);
   }
   if (files_->truncate(fd.get(), 0) != 0) throwErrno("truncate");
   syncOrThrow(*files_, fd.get());
   if (!fd.close()) throwErrno("close");
-  renameAndDelete(path);
+  renameAndDelete(folder, name, identityOf(opened));
   return Outcome::destroyed;
 }
 
@@ -500,30 +568,55 @@ void ShredderService::overwrite(int fd, std::int64_t fileSize, int passes, std::
   }
 }
 
-void ShredderService::renameAndDelete(const std::string& path) const {
-  // The name goes too: a random one, in the same folder so the move is only a rename.
-  const std::string renamed = join(parentOf(path), core::makeUuid());
-  const bool moved = renameNoReplace(path, renamed) == 0;
-  const std::string& victim = moved && existsNoFollow(renamed) ? renamed : path;
-  if (::unlink(victim.c_str()) != 0) throwErrno("unlink");
-}
-
-bool ShredderService::fallBack(const std::string& path, int passes, std::string& refusalReason) const {
+bool ShredderService::fallBack(const ShredderFile& file, int passes, std::string& refusalReason) const {
+  // A fresh look first: what is gone or no longer the file listed never reaches the prompt.
+  const std::optional<platform::PrivilegedItem> item = platform::describeForHelper(file.path);
+  if (!item) {
+    refusalReason = kGone;
+    return false;
+  }
+  if (file.identity.parent != platform::FileIdentity{}) {
+    if (item->identity.parent != file.identity.parent) {
+      refusalReason = kFolderReplaced;
+      return false;
+    }
+    if (item->identity.item != file.identity.item) {
+      refusalReason = kFileReplaced;
+      return false;
+    }
+  }
   // Even with rights, a link, a special file or a file with other names is not handed over.
   struct stat st {};
-  if (::lstat(path.c_str(), &st) == 0) {
+  if (::lstat(file.path.c_str(), &st) == 0) {
     if (refusalReason = refusalOf(st); !refusalReason.empty()) return false;
   }
-  if (platform_.privileged) platform_.privileged->runShellLine(fallbackShellLine(path, passes));
-  return !existsNoFollow(path);
+  if (!platform_.privileged) {
+    refusalReason = "could not be overwritten, and no administrator prompt is available";
+    return false;
+  }
+  const platform::HelperBatch batch = platform::shredWithPrivileges(*platform_.privileged, *item, passes);
+  if (!batch.granted) {
+    refusalReason = "could not be overwritten, and administrator rights were not granted";
+    return false;
+  }
+  const platform::HelperReport& report = batch.reports.front();
+  if (report.outcome == platform::HelperOutcome::removed) return true;
+  refusalReason = report.outcome == platform::HelperOutcome::gone ? std::string(kGone) : report.reason;
+  return false;
 }
 
 void ShredderService::fillFreedSpace(std::int64_t totalBytes, const std::vector<ShredderFile>& files,
                                      const std::function<void(double)>& onProgress) const {
   if (files.empty()) return;
-  const std::string folder = parentOf(files.front().path);
   const std::int64_t target = std::min(totalBytes, kFillLimit);
   if (target < 1) return;
+  // Only into the folder that was listed: a folder swapped for a link since gets nothing.
+  Descriptor folder(::open(parentOf(files.front().path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  struct stat above {};
+  if (!folder || ::fstat(folder.get(), &above) != 0) return;
+  if (files.front().identity.parent != platform::FileIdentity{} && identityOf(above) != files.front().identity.parent) {
+    return;
+  }
 
   std::vector<std::string> made;
   try {
@@ -533,11 +626,11 @@ void ShredderService::fillFreedSpace(std::int64_t totalBytes, const std::vector<
     while (written < target && !platform_.stopRequested()) {
       const auto length = static_cast<std::size_t>(std::min(kFillChunkSize, target - written));
       if (RAND_bytes(chunk.data(), static_cast<int>(length)) != 1) std::fill_n(chunk.begin(), length, 0);
-      const std::string path = join(folder, "." + core::makeUuid() + ".tmp");
-      Descriptor fd(files_->createExclusive(path));
+      const std::string name = "." + core::makeUuid() + ".tmp";
+      Descriptor fd(files_->createExclusive(folder.get(), name));
       // A full disk, a quota or a read-only folder ends the fill here; that is not an error.
       if (!fd) break;
-      made.push_back(path);
+      made.push_back(name);
       writeFully(*files_, fd.get(), chunk.data(), length, 0);
       if (!fd.close()) break;
       written += static_cast<std::int64_t>(length);
@@ -546,7 +639,7 @@ void ShredderService::fillFreedSpace(std::int64_t totalBytes, const std::vector<
   } catch (const std::exception&) {
     // A failed write or an exhausted random source ends the fill early, like a full disk.
   }
-  for (const auto& path : made) ::unlink(path.c_str());
+  for (const auto& name : made) ::unlinkat(folder.get(), name.c_str(), 0);
 }
 
 } // namespace halcyra::shredder

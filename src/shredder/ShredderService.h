@@ -18,13 +18,14 @@ namespace halcyra::shredder {
 /// with a key that exists only during the call, overwritten a chosen number of times,
 /// truncated, renamed to a random name and deleted; afterwards a bounded amount of random
 /// data is written beside the first file and removed again, over the blocks just freed.
-/// Where the unprivileged path fails for a file, the same work is asked of a privileged
-/// shell line for that one file.
+/// Where the unprivileged path fails for a file, the same work is asked of the privileged
+/// helper for that one file.
 ///
 /// Holds no state between calls. Only regular files with a single name are ever opened:
-/// symbolic links, FIFOs, sockets, devices and files with other hard links are refused, and
-/// the check is repeated on the open descriptor, so a file swapped for something else
-/// between listing and shredding is refused too.
+/// symbolic links, FIFOs, sockets, devices and files with other hard links are refused. Every
+/// file is bound to its identity and its folder's when it is listed; it is reached through its
+/// folder's descriptor and refused when either is no longer the same, so a file or a folder
+/// swapped for something else between listing and shredding is never touched.
 class ShredderService {
 public:
   /// Text and overall fraction (0 to 1). Called on the thread of the run, once per chunk;
@@ -54,24 +55,25 @@ public:
   ShredResult shredFiles(const std::vector<ShredderFile>& files, int passes, const ProgressCallback& onProgress,
                          std::vector<ShredderRefusal>* refused = nullptr) const;
 
-  /// The privileged shell line for one file that the unprivileged path could not destroy.
-  /// It re-checks that the path is a regular file with one name, never a link, before it
-  /// overwrites and removes it.
-  static std::string fallbackShellLine(const std::string& path, int passes);
-
-private:
   /// A file stage reports its stage number (0 encryption, k pass k) and the fraction done in it.
   using StageProgress = std::function<void(int stage, double fraction)>;
   enum class Outcome { destroyed, refused };
 
-  Outcome shredSingleFile(const std::string& path, int passes, const StageProgress& onStageProgress,
+  /// Destroys the entry `name` of the open folder `folder`: encrypts, overwrites, truncates,
+  /// renames and removes it, all relative to that folder. It must be a regular file with one
+  /// name and, when `expected` is given, that very file; otherwise it is refused with the
+  /// reason and left alone. Throws when a step fails. The privileged helper uses it as it is.
+  Outcome destroyEntry(int folder, const std::string& name, const platform::FileIdentity* expected, int passes,
+                       const StageProgress& onStageProgress, std::string& refusalReason) const;
+
+private:
+  Outcome shredSingleFile(const ShredderFile& file, int passes, const StageProgress& onStageProgress,
                           std::string& refusalReason) const;
   void encryptInPlace(int fd, const std::string& path, std::int64_t fileSize, std::vector<unsigned char>& chunk,
                       const StageProgress& onStageProgress) const;
   void overwrite(int fd, std::int64_t fileSize, int passes, std::vector<unsigned char>& chunk,
                  const StageProgress& onStageProgress) const;
-  void renameAndDelete(const std::string& path) const;
-  bool fallBack(const std::string& path, int passes, std::string& refusalReason) const;
+  bool fallBack(const ShredderFile& file, int passes, std::string& refusalReason) const;
   void fillFreedSpace(std::int64_t totalBytes, const std::vector<ShredderFile>& files,
                       const std::function<void(double)>& onProgress) const;
 

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include "clean/NativeCleanService.h"
-#include "platform/ShellQuoting.h"
 #include "support/FakePrivilegedRunner.h"
 #include "support/OrdinaryRights.h"
 #include "support/TempDir.h"
@@ -39,10 +38,11 @@ public:
   int attempts = 0;
 };
 
-/// Answers "granted" without doing anything, as a helper that lies would.
-class ClaimsSuccess final : public platform::PrivilegedRunner {
+/// Answers "granted" without running anything: a prompt that returns without a report.
+class SilentGrant final : public platform::PrivilegedRunner {
 public:
   bool runShellLine(const std::string&) override { return true; }
+  platform::PrivilegedOutput runHelper(const std::vector<std::string>&) override { return {true, {}}; }
 };
 
 /// A clean service over a fake home, with the given privileged runner and Trash.
@@ -87,7 +87,7 @@ TEST(CleanExecution, AnEmptyListFreesNothingAndOnlySaysCleanupComplete) {
   EXPECT_EQ(result.itemsCleaned, 0);
   EXPECT_GE(result.duration, 0.0);
   EXPECT_THAT(fixture.statuses, ElementsAre("Cleanup complete"));
-  EXPECT_TRUE(runner->lines().empty());
+  EXPECT_TRUE(runner->prompts() == 0);
 }
 
 TEST(CleanExecution, CountsTheScannedSizesOfWhatIsGoneAndLeavesTheRestOutSilently) {
@@ -110,7 +110,7 @@ TEST(CleanExecution, CountsTheScannedSizesOfWhatIsGoneAndLeavesTheRestOutSilentl
   EXPECT_TRUE(existsNoFollow(dir / "home/Library/Caches"));
   EXPECT_THAT(fixture.statuses, ElementsAre("Removing a.bin...", "Removing com.example.app...",
                                             "Removing vanished.log...", "Removing relative...", "Cleanup complete"));
-  EXPECT_TRUE(runner->lines().empty());
+  EXPECT_TRUE(runner->prompts() == 0);
 }
 
 TEST(CleanExecution, EmptiesTheTrashAsOneItemAndKeepsItsFolders) {
@@ -147,7 +147,7 @@ TEST(CleanExecution, ATrashThatWillNotEmptyIsLeftOutWithoutASecondAttemptOrAProm
   EXPECT_EQ(result.freedBytes, 0);
   EXPECT_EQ(result.itemsCleaned, 0);
   EXPECT_EQ(trash->attempts, 1);
-  EXPECT_TRUE(runner->lines().empty());
+  EXPECT_TRUE(runner->prompts() == 0);
   EXPECT_TRUE(existsNoFollow(fixture.dir / "home/.Trash/kept"));
 }
 
@@ -174,17 +174,24 @@ TEST(CleanExecution, RefusedItemsGoToOnePromptAndCountWhenTheyAreGoneAfterIt) {
       result = fixture.clean(service, items);
     }
 
-    ASSERT_EQ(runner->lines().size(), 1U); // ten refused items, one prompt
-    EXPECT_EQ(runner->lines().front(), platform::removalShellLine(lockedPaths));
+    ASSERT_EQ(runner->prompts(), 1U); // ten refused items, one prompt
+    const auto& arguments = runner->helperCalls().front();
+    ASSERT_EQ(arguments.size(), 21U);
+    EXPECT_EQ(arguments.front(), "remove");
+    for (std::size_t i = 0; i < lockedPaths.size(); ++i) EXPECT_EQ(arguments[2 + 2 * i], lockedPaths[i]);
     EXPECT_FALSE(existsNoFollow(items.front().path));
     if (answer == FakePrivilegedRunner::Answer::grant) {
       EXPECT_EQ(result.freedBytes, 1100);
       EXPECT_EQ(result.itemsCleaned, 11);
+      EXPECT_TRUE(result.failedItems.empty());
       for (const auto& path : lockedPaths) EXPECT_FALSE(existsNoFollow(path)) << path;
       EXPECT_EQ(fixture.statuses.end()[-2], "Requesting admin access for system files...");
     } else {
       EXPECT_EQ(result.freedBytes, 1000);
       EXPECT_EQ(result.itemsCleaned, 1);
+      ASSERT_EQ(result.failedItems.size(), lockedPaths.size());
+      EXPECT_EQ(result.failedItems.front().path, lockedPaths.front());
+      EXPECT_EQ(result.failedItems.front().error, "administrator access was not granted");
       for (const auto& path : lockedPaths) EXPECT_TRUE(existsNoFollow(path)) << path;
       EXPECT_EQ(readFile(lockedPaths.front()), "xxx");
       EXPECT_THAT(std::vector<std::string>(fixture.statuses.end() - 3, fixture.statuses.end()),
@@ -194,18 +201,18 @@ TEST(CleanExecution, RefusedItemsGoToOnePromptAndCountWhenTheyAreGoneAfterIt) {
   }
 }
 
-TEST(CleanExecution, AGrantedPromptCountsOnlyWhatAFreshLookFindsGone) {
+TEST(CleanExecution, OnlyWhatTheHelperReportsRemovedCounts) {
   Fixture fixture;
   const auto& dir = fixture.dir;
   const auto locked = dir.mkdir("root/var/log/locked");
   const auto stays = dir.file("root/var/log/locked/stays.log", 3);
   const auto vanishes = dir.file("root/var/log/locked/vanishes.log", 3);
   ASSERT_EQ(::chmod(locked.c_str(), 0555), 0);
-  auto service = fixture.service(std::make_shared<ClaimsSuccess>());
+  auto service = fixture.service(std::make_shared<SilentGrant>());
   CleanResult result;
   {
     OrdinaryRights ordinary;
-    // Gone by the time of the check after the prompt, though nobody privileged removed it.
+    // Gone by the end, though no helper reported removing it: that is not this clean's doing.
     result = service.clean({item(stays, 50), item(vanishes, 70)}, [&](const std::string& text) {
       if (text == "Requesting admin access for system files...") {
         ::chmod(locked.c_str(), 0755);
@@ -213,9 +220,61 @@ TEST(CleanExecution, AGrantedPromptCountsOnlyWhatAFreshLookFindsGone) {
       }
     });
   }
-  EXPECT_EQ(result.freedBytes, 70);
-  EXPECT_EQ(result.itemsCleaned, 1);
+  EXPECT_EQ(result.freedBytes, 0);
+  EXPECT_EQ(result.itemsCleaned, 0);
+  ASSERT_EQ(result.failedItems.size(), 2U);
+  EXPECT_EQ(result.failedItems[0].error, "the privileged helper gave no answer for it");
   EXPECT_EQ(readFile(stays), "xxx");
+  // The text of a refused prompt is for a refused prompt only.
+  EXPECT_EQ(std::count(fixture.statuses.begin(), fixture.statuses.end(),
+                       "Admin access was not granted — skipped system files"), 0);
+}
+
+TEST(CleanExecution, AFolderSwappedForALinkWhileThePromptIsOpenLeavesTheTargetIntact) {
+  Fixture fixture;
+  const auto& dir = fixture.dir;
+  const auto precious = fixture.precious();
+  const auto before = treeSnapshot(precious);
+  const auto locked = dir.mkdir("root/Library/Caches/locked");
+  const auto cache = dir.file("root/Library/Caches/locked/app/cache.db", 10).substr(0, (dir / "root/Library/Caches/locked/app").size());
+  const auto file = dir.file("root/Library/Caches/locked/old.log", 10);
+  ASSERT_EQ(::chmod(locked.c_str(), 0555), 0);
+  auto runner = std::make_shared<FakePrivilegedRunner>(FakePrivilegedRunner::Answer::grant);
+  // While the prompt is open, a process of the user swaps the refused folder, and then the
+  // folder on the way to the refused file, for links to the precious folder.
+  runner->beforeHelper = [&] {
+    ::chmod(locked.c_str(), 0755);
+    ASSERT_EQ(::rename(cache.c_str(), (dir / "moved-app").c_str()), 0);
+    ASSERT_EQ(::symlink(precious.c_str(), cache.c_str()), 0);
+    ASSERT_EQ(::rename(locked.c_str(), (dir / "moved-locked").c_str()), 0);
+    ASSERT_EQ(::symlink(precious.c_str(), locked.c_str()), 0);
+  };
+  auto service = fixture.service(runner);
+  CleanResult result;
+  {
+    OrdinaryRights ordinary;
+    result = fixture.clean(service, {item(cache, 10), item(file, 10)});
+  }
+  EXPECT_EQ(runner->prompts(), 1U);
+  EXPECT_EQ(result.itemsCleaned, 0);
+  ASSERT_EQ(result.failedItems.size(), 2U);
+  EXPECT_EQ(result.failedItems[0].error, "a folder on its path is a link or has been replaced");
+  EXPECT_EQ(treeSnapshot(precious), before);
+  EXPECT_TRUE(existsNoFollow(dir / "moved-locked/old.log"));
+}
+
+TEST(CleanExecution, AnItemListedTwiceIsRemovedOnceAndOneAlreadyGoneIsNoFailure) {
+  Fixture fixture;
+  const auto& dir = fixture.dir;
+  const auto twice = dir.file("home/Library/Caches/app/data", 5).substr(0, (dir / "home/Library/Caches/app").size());
+  auto runner = std::make_shared<FakePrivilegedRunner>(FakePrivilegedRunner::Answer::grant);
+  auto service = fixture.service(runner);
+  const CleanResult result =
+      fixture.clean(service, {item(twice, 40), item(dir / "home/Library/Caches/never-there", 7), item(twice, 40)});
+  EXPECT_EQ(result.itemsCleaned, 1);
+  EXPECT_EQ(result.freedBytes, 40);
+  EXPECT_TRUE(result.failedItems.empty());
+  EXPECT_EQ(runner->prompts(), 0U);
 }
 
 TEST(CleanExecution, HostileNamesAreRemovedExactlyDirectlyAndThroughThePrompt) {
@@ -239,7 +298,7 @@ TEST(CleanExecution, HostileNamesAreRemovedExactlyDirectlyAndThroughThePrompt) {
     OrdinaryRights ordinary;
     result = fixture.clean(service, items);
   }
-  EXPECT_EQ(runner->lines().size(), 1U);
+  EXPECT_EQ(runner->prompts(), 1U);
   EXPECT_EQ(result.itemsCleaned, static_cast<int>(items.size()));
   for (const auto& cleaned : items) EXPECT_FALSE(existsNoFollow(cleaned.path)) << cleaned.path;
   for (const auto& name : kHostileNames) {
@@ -275,7 +334,7 @@ TEST(CleanExecution, LinksSwappedInAfterTheScanNeverLeadOutOfTheSelectionNorToTh
   EXPECT_FALSE(existsNoFollow(swapped));
   EXPECT_FALSE(existsNoFollow(dir / "home/Library/Caches/planted"));
   EXPECT_EQ(treeSnapshot(precious), before);
-  EXPECT_TRUE(runner->lines().empty()); // a swapped path is a failure, never a case for the prompt
+  EXPECT_TRUE(runner->prompts() == 0); // a swapped path is a failure, never a case for the prompt
 }
 
 TEST(CleanExecution, NeverRemovesTheHomeTheSystemRootOrAFolderAboveThem) {
@@ -290,5 +349,5 @@ TEST(CleanExecution, NeverRemovesTheHomeTheSystemRootOrAFolderAboveThem) {
       fixture.clean(service, {item(dir / "home", 1), item(dir / "root", 1), item(dir.path(), 1)});
   EXPECT_EQ(result.itemsCleaned, 0);
   EXPECT_EQ(treeSnapshot(dir.path()), before);
-  EXPECT_TRUE(runner->lines().empty());
+  EXPECT_TRUE(runner->prompts() == 0);
 }

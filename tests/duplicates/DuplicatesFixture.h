@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
@@ -33,9 +35,28 @@ protected:
                           [this](const std::string& text) { texts.push_back(text); });
   }
 
-  duplicates::DuplicateCleanResult remove(const std::vector<std::string>& paths) {
+  duplicates::DuplicateCleanResult remove(const std::vector<duplicates::DuplicateGroup>& groups) {
     texts.clear();
-    return service().deleteFiles(paths, [this](const std::string& text) { texts.push_back(text); });
+    return service().deleteFiles(groups, [this](const std::string& text) { texts.push_back(text); });
+  }
+
+  /// A group as a scan would record it now: `kept` copies first, then the `marked` ones. Sizes,
+  /// dates and identities are read from the disk; a path with nothing there gets none.
+  static duplicates::DuplicateGroup groupOf(const std::vector<std::string>& kept, const std::vector<std::string>& marked) {
+    duplicates::DuplicateGroup group;
+    group.id = "G";
+    for (const auto* list : {&kept, &marked}) {
+      for (const auto& path : *list) {
+        duplicates::DuplicateFile file;
+        file.id = path;
+        file.path = path;
+        file.stamp = duplicates::currentStamp(path, file.size, file.modificationDate);
+        file.isSelected = list == &marked;
+        group.fileSize = std::max(group.fileSize, file.size);
+        group.files.push_back(file);
+      }
+    }
+    return group;
   }
 
   /// The groups as sets of paths, for comparisons that do not depend on order.

@@ -68,13 +68,20 @@ public:
     return skipFileIo ? 0 : FileLayer::syncData(fd);
   }
 
-  int createExclusive(const std::string& path) override {
+  // The folder a descriptor stands for, as the system names it.
+  static std::string folderPath(int folder) {
+    std::string buffer(4096, '\0');
+    const ssize_t length = ::readlink(("/proc/self/fd/" + std::to_string(folder)).c_str(), buffer.data(), buffer.size());
+    return length > 0 ? buffer.substr(0, static_cast<std::size_t>(length)) : std::string();
+  }
+
+  int createExclusive(int folder, const std::string& name) override {
     if (failCreate) {
       errno = EROFS;
       return -1;
     }
-    const int fd = FileLayer::createExclusive(path);
-    if (fd >= 0) fillFiles.push_back({path, 0});
+    const int fd = FileLayer::createExclusive(folder, name);
+    if (fd >= 0) fillFiles.push_back({folderPath(folder) + "/" + name, 0});
     return fd;
   }
 

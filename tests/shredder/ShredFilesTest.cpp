@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/ShellQuoting.h"
+#include "platform/PrivilegedHelper.h"
 #include "support/OrdinaryRights.h"
 #include "ShredderFixture.h"
 
@@ -240,13 +240,19 @@ TEST_F(FallbackTest, FailedWriteAsksOnceAndARefusedPromptLeavesTheFile) {
 
   const auto result = shred({broken, fine}, 3);
 
-  ASSERT_EQ(runner_->lines().size(), 1u);
-  EXPECT_NE(runner_->lines()[0].find(platform::shellQuote(broken)), std::string::npos);
+  ASSERT_EQ(runner_->prompts(), 1u);
+  const auto& call = runner_->helperCalls()[0];
+  ASSERT_EQ(call.size(), 4u);
+  EXPECT_EQ(call[0], "shred");
+  EXPECT_EQ(call[1], "3");
+  EXPECT_EQ(call[3], broken);
   EXPECT_TRUE(existsNoFollow(broken)); // as far as the stage got, but still there
   EXPECT_FALSE(existsNoFollow(fine));
   EXPECT_EQ(result.filesShredded, 1);
   EXPECT_EQ(result.totalBytes, 100);
-  EXPECT_TRUE(refused_.empty());
+  ASSERT_EQ(refused_.size(), 1u);
+  EXPECT_EQ(refused_[0].path, broken);
+  EXPECT_EQ(refused_[0].reason, "could not be overwritten, and administrator rights were not granted");
 }
 
 TEST_F(FallbackTest, UnopenableFileGoesToThePromptAndCountsWhenGone) {
@@ -259,13 +265,13 @@ TEST_F(FallbackTest, UnopenableFileGoesToThePromptAndCountsWhenGone) {
     halcyra::testing::OrdinaryRights ordinary;
     result = shred({locked}, 1);
   }
-  EXPECT_EQ(runner_->lines().size(), 1u);
+  EXPECT_EQ(runner_->prompts(), 1u);
   EXPECT_FALSE(existsNoFollow(locked));
   EXPECT_EQ(result.filesShredded, 1);
   EXPECT_EQ(result.totalBytes, 5000);
 }
 
-TEST_F(FallbackTest, AnyCharacterInThePathReachesTheShellAsOneWord) {
+TEST_F(FallbackTest, AnyCharacterInThePathReachesTheHelperAsOneWord) {
   const std::string pwned = tmp_ / "pwned";
   ::setenv("HALCYRA_SHRED_PWN", pwned.c_str(), 1);
   useRunner(std::make_shared<FakePrivilegedRunner>(FakePrivilegedRunner::Answer::grant));
@@ -285,13 +291,14 @@ TEST_F(FallbackTest, AnyCharacterInThePathReachesTheShellAsOneWord) {
     engine.shredFiles({files[i]}, 1, {});
     EXPECT_FALSE(existsNoFollow(files[i].path)) << names[i];
   }
-  EXPECT_EQ(runner_->lines().size(), names.size());
+  ASSERT_EQ(runner_->prompts(), names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(runner_->helperCalls()[i].back(), paths[i]);
   EXPECT_FALSE(existsNoFollow(pwned));
   EXPECT_EQ(readFile(sentinel), "sentinel");
   ::unsetenv("HALCYRA_SHRED_PWN");
 }
 
-TEST_F(FallbackTest, LineRefusesLinksAndFilesWithOtherNames) {
+TEST_F(FallbackTest, TheHelperRefusesLinksFilesWithOtherNamesAndSwappedFolders) {
   useRunner(std::make_shared<FakePrivilegedRunner>(FakePrivilegedRunner::Answer::grant));
   const auto target = tmp_.file("t/target", "keep me");
   const auto link = tmp_.symlink("t/link", target);
@@ -299,8 +306,25 @@ TEST_F(FallbackTest, LineRefusesLinksAndFilesWithOtherNames) {
   const auto second = tmp_ / "t/second";
   ASSERT_EQ(::link(partner.c_str(), second.c_str()), 0);
 
-  // The line alone, as a privileged shell would run it.
-  for (const auto& path : {link, second}) runner_->runShellLine(ShredderService::fallbackShellLine(path, 1));
+  // The helper alone, as the prompt would run it with administrator rights.
+  for (const auto& path : {link, second}) {
+    const auto item = platform::describeForHelper(path);
+    ASSERT_TRUE(item);
+    const auto batch = platform::shredWithPrivileges(*runner_, *item, 1);
+    ASSERT_TRUE(batch.granted);
+    EXPECT_EQ(batch.reports[0].outcome, platform::HelperOutcome::failed) << path;
+  }
+  // A folder swapped for a link to another folder holding a file of the same name.
+  const auto victim = tmp_.file("u/doc", "listed");
+  const auto item = platform::describeForHelper(victim);
+  ASSERT_TRUE(item);
+  const auto precious = tmp_.file("precious/doc", "precious");
+  ASSERT_EQ(::rename((tmp_ / "u").c_str(), (tmp_ / "u-moved").c_str()), 0);
+  tmp_.symlink("u", tmp_ / "precious");
+  const auto batch = platform::shredWithPrivileges(*runner_, *item, 1);
+  ASSERT_TRUE(batch.granted);
+  EXPECT_EQ(batch.reports[0].outcome, platform::HelperOutcome::failed);
+  EXPECT_EQ(readFile(precious), "precious");
 
   EXPECT_EQ(readFile(target), "keep me");
   EXPECT_TRUE(existsNoFollow(link));
@@ -330,7 +354,7 @@ TEST_F(SwapTest, FileReplacedAfterListingIsRefusedAndWhatReplacedItIsUntouched) 
   const auto result = engine.shredFiles(files, 3, {}, &refused);
 
   EXPECT_EQ(result.filesShredded, 0);
-  EXPECT_TRUE(runner_->lines().empty());
+  EXPECT_EQ(runner_->prompts(), 0u);
   ASSERT_EQ(refused.size(), 3u);
   EXPECT_NE(refused[0].reason.find("symbolic link"), std::string::npos);
   EXPECT_NE(refused[1].reason.find("FIFO"), std::string::npos);

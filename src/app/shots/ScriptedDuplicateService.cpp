@@ -49,7 +49,7 @@ std::vector<duplicates::DuplicateGroup> ScriptedDuplicateService::scan(const std
   return groups_;
 }
 
-duplicates::DuplicateCleanResult ScriptedDuplicateService::deleteFiles(const std::vector<std::string>&,
+duplicates::DuplicateCleanResult ScriptedDuplicateService::deleteFiles(const std::vector<duplicates::DuplicateGroup>&,
                                                                        const duplicates::StatusCallback& onProgress) {
   waitIfHeld(onProgress, "Deleting file 11/12…");
   std::lock_guard lock(mutex_);

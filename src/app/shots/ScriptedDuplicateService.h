@@ -23,7 +23,7 @@ public:
 
   std::vector<duplicates::DuplicateGroup> scan(const std::string& directory, std::int64_t minFileSize,
                                                const duplicates::StatusCallback& onProgress) override;
-  duplicates::DuplicateCleanResult deleteFiles(const std::vector<std::string>& paths,
+  duplicates::DuplicateCleanResult deleteFiles(const std::vector<duplicates::DuplicateGroup>& groups,
                                                const duplicates::StatusCallback& onProgress) override;
 
 private:

@@ -11,7 +11,7 @@
 namespace halcyra::duplicates {
 
 /// The duplicate finder's engine as the window drives it: find groups of identical files,
-/// delete chosen paths. The window runs each call on a worker thread; progress texts come on
+/// delete chosen copies. The window runs each call on a worker thread; progress texts come on
 /// that thread.
 class DuplicateServiceProtocol {
 public:
@@ -19,8 +19,9 @@ public:
   /// Groups of identical files of at least `minFileSize` bytes below `directory`.
   virtual std::vector<DuplicateGroup> scan(const std::string& directory, std::int64_t minFileSize,
                                            const StatusCallback& onProgress) = 0;
-  /// Deletes the paths in order; one file that stays never ends the run.
-  virtual DuplicateCleanResult deleteFiles(const std::vector<std::string>& paths,
+  /// Deletes the selected copies of the groups, each only while it and a kept copy of its
+  /// group are as the scan saw them; one file that stays never ends the run.
+  virtual DuplicateCleanResult deleteFiles(const std::vector<DuplicateGroup>& groups,
                                            const StatusCallback& onProgress) = 0;
 };
 

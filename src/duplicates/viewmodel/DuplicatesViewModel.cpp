@@ -9,7 +9,6 @@
 #include "app/BackgroundTask.h"
 #include "core/ByteFormatter.h"
 #include "core/CleanError.h"
-#include "duplicates/viewmodel/DeletionPlan.h"
 #include "duplicates/viewmodel/FileIcons.h"
 
 namespace halcyra::duplicates {
@@ -170,28 +169,18 @@ void DuplicatesViewModel::confirmDelete(std::shared_ptr<DuplicateServiceProtocol
                  .arg(totalWastedText()),
              Level::info, Source::duplicates);
 
-  // The fresh look at every file happens on the worker, right before the deletion it guards.
+  // The engine looks at every file afresh on the worker, right before the deletion it guards.
   QPointer<app::DebugLogger> log(&logger);
   auto onProgress = app::statusRelay(this, [this](const QString& status) { setScanStatus(status); });
-  auto onSkipped = [guard = QPointer<QObject>(this), log](std::vector<DeletionPlan::Skipped> skipped) {
-    app::postToInterface(guard, [log, skipped = std::move(skipped)] {
-      if (!log) return;
-      for (const auto& copy : skipped) {
-        log->log(QStringLiteral("Duplicate cleanup skipped %1: %2")
-                     .arg(pathText(copy.path), QString::fromStdString(copy.reason)),
-                 Level::warn, Source::duplicates);
-      }
-    });
-  };
   app::runInBackground<DuplicateCleanResult>(
-      this,
-      [service, groups = groups_, onProgress, onSkipped] {
-        DeletionPlan plan = planDeletion(groups);
-        if (!plan.skipped.empty()) onSkipped(std::move(plan.skipped));
-        return service->deleteFiles(plan.paths, onProgress);
-      },
+      this, [service, groups = groups_, onProgress] { return service->deleteFiles(groups, onProgress); },
       [this, log](DuplicateCleanResult result) {
         if (log) {
+          for (const auto& copy : result.failedFiles) {
+            log->log(QStringLiteral("Duplicate cleanup skipped %1: %2")
+                         .arg(pathText(copy.path), QString::fromStdString(copy.error)),
+                     Level::warn, Source::duplicates);
+          }
           log->log(QStringLiteral("Duplicate cleanup complete: freed %1, %2 files in %3s")
                        .arg(formatBytes(result.freedBytes))
                        .arg(result.filesDeleted)

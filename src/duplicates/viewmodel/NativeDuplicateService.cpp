@@ -9,9 +9,9 @@ std::vector<DuplicateGroup> NativeDuplicateService::scan(const std::string& dire
   return service_.scan(directory, minFileSize, onProgress);
 }
 
-DuplicateCleanResult NativeDuplicateService::deleteFiles(const std::vector<std::string>& paths,
+DuplicateCleanResult NativeDuplicateService::deleteFiles(const std::vector<DuplicateGroup>& groups,
                                                          const StatusCallback& onProgress) {
-  return service_.deleteFiles(paths, onProgress);
+  return service_.deleteFiles(groups, onProgress);
 }
 
 } // namespace halcyra::duplicates

@@ -12,7 +12,7 @@ public:
 
   std::vector<DuplicateGroup> scan(const std::string& directory, std::int64_t minFileSize,
                                    const StatusCallback& onProgress) override;
-  DuplicateCleanResult deleteFiles(const std::vector<std::string>& paths, const StatusCallback& onProgress) override;
+  DuplicateCleanResult deleteFiles(const std::vector<DuplicateGroup>& groups, const StatusCallback& onProgress) override;
 
 private:
   DuplicateFileService service_;

@@ -245,43 +245,36 @@ TEST_F(DuplicatesViewModelTest, TotalsFollowTheSelectionAndNothingMarkedAsksNoth
   EXPECT_EQ(selection("g2"), "-x");
 }
 
-TEST_F(DuplicatesViewModelTest, DeleteRemovesMarkedCopiesStillAsScannedInGroupOrder) {
-  // Group one: both marked copies as scanned. Group two: one marked copy changed since.
-  // Group three: the kept copy is gone, so its marked copy is no longer known to be spare.
+TEST_F(DuplicatesViewModelTest, DeleteHandsTheGroupsToTheEngineAndLogsWhatStayed) {
   auto keep1 = copyOnDisk(home, "one/keep", 900, false);
   auto mark1a = copyOnDisk(home, "one/b", 600, true);
   auto mark1b = copyOnDisk(home, "one/a", 300, true);
   auto keep2 = copyOnDisk(home, "two/keep", 900, false);
   auto mark2 = copyOnDisk(home, "two/changed", 300, true);
-  auto keep3 = copyOnDisk(home, "three/keep", 900, false);
-  auto mark3 = copyOnDisk(home, "three/spare", 300, true);
-  scanTo({groupOf("g1", "keep", {keep1, mark1a, mark1b}), groupOf("g2", "keep", {keep2, mark2}),
-          groupOf("g3", "keep", {keep3, mark3})});
-  halcyra::testing::TempDir::setAge(mark2.path, 10);
-  std::remove(keep3.path.c_str());
+  scanTo({groupOf("g1", "keep", {keep1, mark1a, mark1b}), groupOf("g2", "keep", {keep2, mark2})});
 
-  service->statuses = {"Deleting file 1/2…"};
-  service->result = {8192, 2, 0.46};
+  service->statuses = {"Deleting file 1/3…"};
+  service->result = {8192, 2, 0.46, {{mark2.path, "changed since the scan"}}};
   service->hold();
   viewModel.requestConfirmation();
   viewModel.confirmDelete(service, state, logger);
   EXPECT_EQ(viewModel.phase(), Phase::executing);
   halcyra::testing::settle([&] { return !viewModel.scanStatus().isEmpty(); });
-  EXPECT_EQ(viewModel.scanStatus(), "Deleting file 1/2…");
+  EXPECT_EQ(viewModel.scanStatus(), "Deleting file 1/3…");
   service->release();
   waitFor(Phase::summary);
 
-  EXPECT_EQ(service->deletedPaths(), (std::vector<std::string>{mark1a.path, mark1b.path}));
+  // The engine gets every marked copy in group order, and decides on each right before it acts.
+  EXPECT_EQ(service->deletedPaths(), (std::vector<std::string>{mark1a.path, mark1b.path, mark2.path}));
   EXPECT_EQ(viewModel.freedText(), "8 KB");
   EXPECT_EQ(viewModel.filesDeleted(), 2);
   EXPECT_FALSE(state.lastCleanDate().isValid());
 
   const auto log = messages();
-  ASSERT_EQ(log.size(), 6u);
-  EXPECT_EQ(log[2], "Duplicate cleanup started: 4 files, 16 KB selected");
+  ASSERT_EQ(log.size(), 5u);
+  EXPECT_EQ(log[2], "Duplicate cleanup started: 3 files, 12 KB selected");
   EXPECT_EQ(log[3], "Duplicate cleanup skipped " + mark2.path + ": changed since the scan");
-  EXPECT_EQ(log[4], "Duplicate cleanup skipped " + mark3.path + ": the copy kept of it changed since the scan");
-  EXPECT_EQ(log[5], "Duplicate cleanup complete: freed 8 KB, 2 files in 0.5s");
+  EXPECT_EQ(log[4], "Duplicate cleanup complete: freed 8 KB, 2 files in 0.5s");
   EXPECT_EQ(logger.entries()[3].level, halcyra::core::LogEntry::LogLevel::warn);
 }
 

@@ -47,11 +47,16 @@ public:
     return groups;
   }
 
-  duplicates::DuplicateCleanResult deleteFiles(const std::vector<std::string>& paths,
+  duplicates::DuplicateCleanResult deleteFiles(const std::vector<duplicates::DuplicateGroup>& marked,
                                                const duplicates::StatusCallback& onProgress) override {
     {
       std::lock_guard lock(mutex_);
-      deleted_ = paths;
+      deleted_.clear();
+      for (const auto& group : marked) {
+        for (const auto& file : group.files) {
+          if (file.isSelected) deleted_.push_back(file.path);
+        }
+      }
     }
     report(onProgress);
     if (failure) std::rethrow_exception(failure);
