@@ -14,6 +14,7 @@
 #include "analyzer/DiskAnalyzerService.h"
 #include "support/DeepChain.h"
 #include "support/OrdinaryRights.h"
+#include "support/PrivateMounts.h"
 #include "support/TempDir.h"
 
 using namespace halcyra::analyzer;
@@ -403,4 +404,22 @@ TEST(DiskAnalyzerService, DeepTreesAreWalkedWithFewDescriptorsAndNoPathLimit) {
       EXPECT_EQ(openDescriptors(), before);
     }
   }
+}
+
+TEST(DiskAnalyzerService, AFolderMountedInsideTheScanIsNotCountedAgain) {
+  TempDir dir;
+  dir.file("data/a.bin", 10000);
+  dir.file("data/sub/b.bin", 5000);
+  const auto mountPoint = dir.mkdir("data/again");
+  const auto plain = scan(dir / "data");
+  const auto result = halcyra::testing::inPrivateMountNamespace([&] {
+    // The scanned folder shown again inside itself, on the same file system.
+    if (!halcyra::testing::bindMount(dir / "data", mountPoint)) return 10;
+    const auto mounted = scan(dir / "data");
+    if (mounted.result.fileCount != plain.result.fileCount) return 11;
+    if (mounted.result.totalSize != plain.result.totalSize) return 12;
+    return 0;
+  });
+  if (!result) GTEST_SKIP() << "no private mount namespace on this machine (needs root)";
+  EXPECT_EQ(*result, 0);
 }

@@ -5,6 +5,7 @@
 
 #include "DuplicatesFixture.h"
 #include "support/OrdinaryRights.h"
+#include "support/PrivateMounts.h"
 
 namespace halcyra::testing {
 namespace {
@@ -240,6 +241,30 @@ TEST_F(DuplicateScanTest, FilesBeyondFourGibibytesKeepTheirWholeSize) {
   dir.file("small", std::string(5000, '\0')); // the size the big ones would have if cut to 32 bits
   EXPECT_THAT(scan(), IsEmpty());
   EXPECT_THAT(texts, Contains("Found 2 candidates in 1 size groups"));
+}
+
+} // namespace
+} // namespace halcyra::testing
+
+namespace halcyra::testing {
+namespace {
+
+using MountedFolderScanTest = DuplicatesFixture;
+
+TEST_F(MountedFolderScanTest, AFileSeenAgainThroughAMountIsNoCopyOfItself) {
+  const auto only = dir.file("photos/only.jpg", 8192);
+  const auto folderMount = dir.mkdir("again");
+  const auto fileMount = dir.file("shown-again.jpg", 1);
+  const auto result = inPrivateMountNamespace([&] {
+    // The folder mounted again below the scan, and the file mounted over another file.
+    if (!bindMount(dir / "photos", folderMount) || !bindMount(only, fileMount)) return 10;
+    const auto groups = scan(4096);
+    if (!groups.empty()) return 11;
+    return 0;
+  });
+  if (!result) GTEST_SKIP() << "no private mount namespace on this machine (needs root)";
+  EXPECT_EQ(*result, 0);
+  EXPECT_EQ(readFile(only).size(), 8192u);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "ShredderFixture.h"
+#include "support/PrivateMounts.h"
 
 namespace halcyra::shredder::testing {
 namespace {
@@ -122,6 +123,66 @@ TEST_F(ResolveFilesTest, PathWithANulByteIsRefusedBeforeItCanNameAShorterPath) {
   EXPECT_EQ(refusedAtShred.size(), 1u);
   EXPECT_EQ(runner_->prompts(), 0u);
   EXPECT_EQ(halcyra::testing::readFile(victim), "intact");
+}
+
+} // namespace
+} // namespace halcyra::shredder::testing
+
+namespace halcyra::shredder::testing {
+namespace {
+
+using MountedFolderTest = ShredderFixture;
+using halcyra::testing::existsNoFollow;
+using halcyra::testing::readFile;
+
+TEST_F(MountedFolderTest, AFolderMountedInsideIsNeitherListedNorShredded) {
+  const auto precious = tmp_.file("precious/letter.txt", "dear diary");
+  const auto picked = tmp_.file("pick/a.bin", 100);
+  const auto mountPoint = tmp_.mkdir("pick/mounted");
+  const auto result = halcyra::testing::inPrivateMountNamespace([&] {
+    if (!halcyra::testing::bindMount(tmp_ / "precious", mountPoint)) return 10;
+    std::vector<ShredderRefusal> refused;
+    auto engine = service();
+    const auto files = engine.resolveFiles({tmp_ / "pick"}, refused);
+    if (files.size() != 1 || files[0].path != picked) return 11;
+    if (refused.size() != 1 || refused[0].path != mountPoint) return 12;
+    // The mount point given by name is a folder whose files are on the mount: a walk of its own.
+    engine.shredFiles(files, 1, {});
+    return 0;
+  });
+  if (!result) GTEST_SKIP() << "no private mount namespace on this machine (needs root)";
+  EXPECT_EQ(*result, 0);
+  EXPECT_EQ(readFile(precious), "dear diary");
+  EXPECT_FALSE(existsNoFollow(picked));
+}
+
+TEST_F(MountedFolderTest, TwoNamesOfOneFileAreOneFile) {
+  const auto file = tmp_.file("real/doc", 10);
+  tmp_.symlink("alias", tmp_ / "real");
+  const auto files = service().resolveFiles({file, tmp_ / "alias/doc", tmp_ / "alias"});
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_EQ(files[0].path, file);
+}
+
+TEST_F(MountedFolderTest, AFolderSwappedForALinkAfterListingShredsNothingThroughIt) {
+  const auto precious = tmp_.file("precious/doc", "precious");
+  const auto listed = tmp_.file("docs/doc", 4096);
+  auto engine = service();
+  const auto files = engine.resolveFiles({tmp_ / "docs"});
+  ASSERT_EQ(files.size(), 1u);
+  // Between the question and the shredding, the listed folder becomes a link to another folder
+  // holding a file of the same name.
+  ASSERT_EQ(::rename((tmp_ / "docs").c_str(), (tmp_ / "docs-moved").c_str()), 0);
+  tmp_.symlink("docs", tmp_ / "precious");
+  std::vector<ShredderRefusal> refused;
+  const auto result = engine.shredFiles(files, 1, {}, &refused);
+  EXPECT_EQ(result.filesShredded, 0);
+  ASSERT_EQ(refused.size(), 1u);
+  EXPECT_EQ(refused[0].reason, "its folder was replaced since it was listed; nothing in it was touched");
+  EXPECT_EQ(readFile(precious), "precious");
+  EXPECT_EQ(runner_->prompts(), 0u);
+  EXPECT_EQ(layer_->fillFiles.size(), 0u); // no fill went into the other folder either
+  EXPECT_EQ(readFile(tmp_ / "docs-moved/doc").size(), 4096u);
 }
 
 } // namespace
