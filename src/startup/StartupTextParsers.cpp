@@ -210,9 +210,11 @@ std::string desktopEntryWithSwitch(std::string_view text, bool enable) {
   bool inGroup = false;
   bool seen = false;
   bool wroteHidden = false;
+  // Readers take the keys of every "[Desktop Entry]" group, so a repeated group gets its
+  // switch keys rewritten too; Hidden is added to the first when none of them has it.
   const auto closeGroup = [&] {
     if (inGroup && !wroteHidden) result += "Hidden=" + hidden + "\n";
-    wroteHidden = true;
+    if (inGroup) wroteHidden = true;
   };
   // A final line feed is not the start of one more line.
   if (text.ends_with('\n')) text.remove_suffix(1);
@@ -220,14 +222,11 @@ std::string desktopEntryWithSwitch(std::string_view text, bool enable) {
     const std::string_view line = trim(raw, kWhiteSpace);
     if (const auto group = groupHeader(line)) {
       closeGroup();
-      inGroup = *group == "Desktop Entry" && !seen;
+      inGroup = *group == "Desktop Entry";
       seen = seen || inGroup;
-      if (inGroup) wroteHidden = false;
     } else if (inGroup) {
       if (const auto key = keyOf(line); key && isSwitchKey(*key)) {
         const bool isHidden = *key == "Hidden";
-        // One Hidden line is enough; a repeated one would only confuse the next reader.
-        if (isHidden && wroteHidden) return;
         result += std::string(*key) + "=" + (isHidden ? hidden : on) + "\n";
         wroteHidden = wroteHidden || isHidden;
         return;
@@ -237,7 +236,8 @@ std::string desktopEntryWithSwitch(std::string_view text, bool enable) {
     result.push_back('\n');
   });
   closeGroup();
-  if (!seen) result = "[Desktop Entry]\nHidden=" + hidden + "\n" + result;
+  // Behind whatever the text holds, so that no line of it falls into the new group.
+  if (!seen) result += "[Desktop Entry]\nHidden=" + hidden + "\n";
   return result;
 }
 

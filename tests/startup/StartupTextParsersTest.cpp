@@ -136,13 +136,17 @@ TEST(DesktopEntry, EachDesktopsSwitchTurnsItOff) {
 
 TEST(DesktopEntry, SwitchRewritesOnlyTheSwitchKeys) {
   const std::string original = "# comment\n[Desktop Entry]\nName=Sync\nX-GNOME-Autostart-enabled=true\nHidden=false\n"
-                               "Hidden=false\n\n[Desktop Action new]\nName=New\n";
+                               "\n[Desktop Action new]\nName=New\n";
   const std::string off = desktopEntryWithSwitch(original, false);
   EXPECT_EQ(off, "# comment\n[Desktop Entry]\nName=Sync\nX-GNOME-Autostart-enabled=false\nHidden=true\n\n"
                  "[Desktop Action new]\nName=New\n");
   EXPECT_FALSE(desktopEntryIsEnabled(*parseDesktopEntry(off)));
   EXPECT_TRUE(sameApartFromSwitch(*parseDesktopEntry(off), *parseDesktopEntry(original)));
   EXPECT_TRUE(desktopEntryIsEnabled(*parseDesktopEntry(desktopEntryWithSwitch(off, true))));
+
+  // Every group of the entry's name counts for a reader, so each is switched.
+  const std::string twice = "[Desktop Entry]\nName=A\n[Desktop Entry]\nHidden=true\n";
+  EXPECT_EQ(desktopEntryWithSwitch(twice, true), "[Desktop Entry]\nName=A\nHidden=false\n[Desktop Entry]\nHidden=false\n");
 
   const std::string captured = recording("at-spi-dbus-bus.desktop");
   EXPECT_EQ(desktopEntryWithSwitch(captured, false), captured + "Hidden=true\n");
