@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "StartupFixture.h"
@@ -152,6 +153,22 @@ TEST(LaunchdScan, FirstRootWinsAndPathNameAndSortFollowTheRules) {
   EXPECT_EQ(find(items, "agent-NODOTS")->path, bare);
   EXPECT_EQ(progress.size(), 9u);
   EXPECT_EQ(std::count(progress.begin(), progress.end(), "Checking sync.plist\u2026"), 2);
+}
+
+TEST(LaunchdScan, HostilePropertyListsAddNothingAndStallNothing) {
+  StartupFixture fx;
+  std::string nested;
+  for (int i = 0; i < 30000; ++i) nested += "<dict><key>a</key>";
+  nested += "<string>x</string>";
+  for (int i = 0; i < 30000; ++i) nested += "</dict>";
+  fx.file("/Library/LaunchAgents/nested.plist", "<plist version=\"1.0\">" + nested + "</plist>");
+  fx.plist("/Library/LaunchAgents", "huge.plist", "com.huge", "<key>Pad</key><string>" + std::string(2 << 20, 'x') + "</string>\n");
+  // A FIFO where a property list should be: opening it must not wait for a writer.
+  ASSERT_EQ(::mkfifo((fx.root + "/Library/LaunchAgents/fifo.plist").c_str(), 0600), 0);
+  fx.plist("/Library/LaunchAgents", "fine.plist", "com.fine");
+  const auto items = fx.service().scanLaunchAgents({});
+  ASSERT_EQ(items.size(), 1u);
+  EXPECT_EQ(items[0].label, "com.fine");
 }
 
 TEST(LaunchdScan, AppInfoWalksSixLevelsAndCapitalisesTheLabel) {
