@@ -1,9 +1,5 @@
 #include "platform/ShellQuoting.h"
 
-#include <stdexcept>
-
-#include "platform/SafeRemove.h"
-
 namespace halcyra::platform {
 
 std::string shellQuote(std::string_view path) {
@@ -14,16 +10,6 @@ std::string shellQuote(std::string_view path) {
   }
   quoted.push_back('\'');
   return quoted;
-}
-
-std::string removalShellLine(const std::vector<std::string>& paths) {
-  std::string line;
-  for (const auto& path : paths) {
-    if (!isPlainAbsolutePath(path)) throw std::invalid_argument("not a plain absolute path: " + path);
-    if (!line.empty()) line += " && ";
-    line += "rm -rf " + shellQuote(path);
-  }
-  return line;
 }
 
 // Inside an AppleScript string literal a backslash starts an escape and a double quote ends the

@@ -28,7 +28,7 @@ TEST(PkexecPrivilegedRunner, RunsTheLineAsOneShellArgumentAndGrantsOnlyOnSuccess
                                            "exec \"$@\"");
   PkexecPrivilegedRunner runner(runnerWith("/usr/bin/pkexec", pkexec));
   const auto victim = dir.file("it's \"here\"", 1);
-  EXPECT_TRUE(runner.runShellLine(removalShellLine({victim})));
+  EXPECT_TRUE(runner.runShellLine("rm -rf " + shellQuote(victim)));
   EXPECT_FALSE(existsNoFollow(victim));
   EXPECT_FALSE(runner.runShellLine("exit 3"));
   EXPECT_FALSE(runner.runShellLine(std::string("true\0; false", 12)));
@@ -46,14 +46,28 @@ TEST(OsascriptPrivilegedRunner, HandsOsascriptTheAdministratorScriptAndRefusesTe
   const auto osascript = dir.script("osascript", "[ \"$#\" = 2 ] && [ \"$1\" = -e ] || exit 99\n"
                                                  "printf '%s' \"$2\" > '" + received + "'");
   OsascriptPrivilegedRunner runner(runnerWith("/usr/bin/osascript", osascript));
-  const std::string line = removalShellLine({"/Library/Caches/say \"it's\" \\ done"});
+  const std::string line = "rm -rf " + shellQuote("/Library/Caches/say \"it's\" \\ done");
   EXPECT_TRUE(runner.runShellLine(line));
   EXPECT_EQ(readFile(received), administratorScript(line));
 
   ::unlink(received.c_str());
-  EXPECT_FALSE(runner.runShellLine(removalShellLine({"/Library/Caches/\xff\xfe"})));
+  EXPECT_FALSE(runner.runShellLine("rm -rf " + shellQuote("/Library/Caches/\xff\xfe")));
   EXPECT_FALSE(existsNoFollow(received)); // refused before any prompt
 
   OsascriptPrivilegedRunner declined(runnerWith("/usr/bin/osascript", dir.script("declined", "exit 1")));
   EXPECT_FALSE(declined.runShellLine(line));
+}
+
+TEST(OsascriptPrivilegedRunner, RunsTheHelperWithEveryArgumentQuotedAndReturnsItsReport) {
+  TempDir dir;
+  const auto received = dir / "received";
+  const auto osascript = dir.script("osascript", "printf '%s' \"$2\" > '" + received + "'\nprintf '0 removed\\n'");
+  OsascriptPrivilegedRunner runner(runnerWith("/usr/bin/osascript", osascript), "/Applications/Halcyra.app/halcyra-helper");
+  const PrivilegedOutput output = runner.runHelper({"remove", "1:2:3:4", "/Library/it's \"x\""});
+  EXPECT_TRUE(output.granted);
+  EXPECT_EQ(output.output, "0 removed\n");
+  EXPECT_EQ(readFile(received),
+            administratorScript("'/Applications/Halcyra.app/halcyra-helper' 'remove' '1:2:3:4' '/Library/it'\\''s \"x\"'") +
+                " without altering line endings");
+  EXPECT_FALSE(runner.runHelper({"remove", "1:2:3:4", "/Library/\xff"}).granted);
 }
