@@ -116,6 +116,17 @@ TEST_F(StartupViewModelTest, CountsCoverBothListsWhateverCategoryIsInView) {
   EXPECT_EQ(viewModel.selectedCategory(), StartupItemCategory::launchAgents);
 }
 
+TEST_F(StartupViewModelTest, RowsShowOnlyPicturesTheWindowCanDrawAsIcons) {
+  service->logins[0].icon = "/usr/share/icons/hicolor/48x48/apps/docker.png";
+  service->logins[1].icon = "/Applications/Notes.app";
+  scanned();
+  const auto* model = viewModel.currentItemsModel();
+  EXPECT_EQ(model->index(0).data(StartupItemsModel::IconSourceRole).toString(),
+            "file:///usr/share/icons/hicolor/48x48/apps/docker.png");
+  EXPECT_TRUE(model->index(1).data(StartupItemsModel::IconSourceRole).toString().isEmpty());
+  EXPECT_EQ(model->index(1).data(StartupItemsModel::PathRole).toString(), "/Applications/Notes.app");
+}
+
 TEST_F(StartupViewModelTest, TheSwitchMovesOnlyWhenTheCommandHasReturned) {
   scanned();
   viewModel.selectCategory(StartupItemCategory::launchAgents);
