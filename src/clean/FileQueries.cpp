@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/MountPoints.h"
+
 namespace halcyra::clean {
 namespace {
 
@@ -39,12 +41,20 @@ std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path
     if (name == "." || name == "..") continue;
     PathKind kind = PathKind::other;
     switch (entry->d_type) {
-    case DT_DIR: kind = PathKind::directory; break;
+    case DT_DIR: {
+      // A folder mounted here (another volume, or a bind mount of any folder) is not part of
+      // what is listed: nothing is found in it, and it is never offered itself.
+      platform::EntryStatus status;
+      if (!platform::statEntry(fd, name.c_str(), status)) kind = PathKind::missing;
+      else if (!status.isMountRoot) kind = PathKind::directory;
+      break;
+    }
     case DT_REG: kind = PathKind::file; break;
     case DT_LNK: kind = PathKind::symlink; break;
     case DT_UNKNOWN: {
-      struct stat info {};
-      kind = ::fstatat(fd, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 ? kindOf(info.st_mode) : PathKind::missing;
+      platform::EntryStatus status;
+      kind = platform::statEntry(fd, name.c_str(), status) ? kindOf(status.info.st_mode) : PathKind::missing;
+      if (kind == PathKind::directory && status.isMountRoot) kind = PathKind::other;
       break;
     }
     default: break;

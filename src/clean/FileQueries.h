@@ -24,7 +24,8 @@ PathKind pathKind(const std::string& path);
 
 /// The entries of a folder other than "." and "..", in the order the file system gives them;
 /// none when the folder cannot be listed (missing, refused, not a folder, or a symbolic link:
-/// the scanners never follow one).
+/// the scanners never follow one). A folder mounted inside it (a volume or a bind mount) is
+/// listed as `other`, so that no scanner enters or offers it.
 std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path);
 
 /// The modification time of `path` itself (a link's own time for a link); none when unreadable.

@@ -6,7 +6,9 @@
 
 #include "clean/NativeCleanService.h"
 #include "support/FakePrivilegedRunner.h"
+#include "ScanFixture.h"
 #include "support/OrdinaryRights.h"
+#include "support/PrivateMounts.h"
 #include "support/TempDir.h"
 #include "support/TreeSnapshot.h"
 
@@ -350,4 +352,30 @@ TEST(CleanExecution, NeverRemovesTheHomeTheSystemRootOrAFolderAboveThem) {
   EXPECT_EQ(result.itemsCleaned, 0);
   EXPECT_EQ(treeSnapshot(dir.path()), before);
   EXPECT_TRUE(runner->prompts() == 0);
+}
+
+TEST(CleanExecution, AFolderMountedAmongTheCachesIsNeitherOfferedNorEmptied) {
+  halcyra::testing::ScanFixture fixture;
+  fixture.homeFile("Library/Caches/com.example.app/blob", 50);
+  const auto mounted = fixture.homeDir("Library/Caches/com.example.mounted");
+  const auto inner = fixture.homeDir("Library/Caches/com.example.app/mounted");
+  const auto precious = fixture.dir.file("precious/letter.txt", "dear diary").substr(0, (fixture.dir / "precious").size());
+  fixture.dir.file("precious/photos/one.jpg", 3000);
+  const auto before = treeSnapshot(precious);
+  const auto result = halcyra::testing::inPrivateMountNamespace([&] {
+    if (!halcyra::testing::bindMount(precious, mounted) || !halcyra::testing::bindMount(precious, inner)) return 10;
+    const auto categories = fixture.scan();
+    const auto paths = halcyra::testing::itemPaths(categories, "User Caches", fixture.home + "/Library/Caches");
+    if (paths != std::vector<std::string>{"com.example.app"}) return 11;
+    const auto* caches = halcyra::testing::findCategory(categories, "User Caches");
+    NativeCleanService service(fixture.platform());
+    const CleanResult cleaned = service.clean(caches->items, {});
+    // The folder that holds the mount is emptied around it and stays, with the reason.
+    if (cleaned.itemsCleaned != 0 || cleaned.failedItems.size() != 1) return 12;
+    if (existsNoFollow(fixture.home + "/Library/Caches/com.example.app/blob")) return 13;
+    return 0;
+  });
+  if (!result) GTEST_SKIP() << "no private mount namespace on this machine (needs root)";
+  EXPECT_EQ(*result, 0);
+  EXPECT_EQ(treeSnapshot(precious), before);
 }
