@@ -75,6 +75,17 @@ void printSection(const std::string& title, const std::vector<StartupItem>& item
   }
 }
 
+// The log of a switch line by line, each escaped: the tools' answers are text from elsewhere.
+void printLog(const std::string& log) {
+  std::size_t start = 0;
+  while (start < log.size()) {
+    std::size_t end = log.find('\n', start);
+    if (end == std::string::npos) end = log.size();
+    fmt::print(stdout, "{}\n", escapedName(std::string_view(log).substr(start, end - start)));
+    start = end + 1;
+  }
+}
+
 platform::Platform platformFrom(const Arguments& arguments) {
   platform::SystemPaths paths = systemPathsFrom(arguments);
   platform::Platform platform = platform::Platform::forSystem(paths);
@@ -105,7 +116,7 @@ int switchItem(startup::StartupItemsService& service, const std::string& key, bo
     }
     if (!item.label || !item.plistPath) throw CommandError("missing label or plistPath for '" + item.name + "'");
     const startup::SwitchReport report = service.switchJob(*item.label, *item.plistPath, enable);
-    fmt::print(stdout, "{}", report.log);
+    printLog(report.log);
     if (!report.allStarted) throw CommandError("a command could not be started; '" + item.name + "' may not be " + state);
     return 0;
   } catch (const CommandError&) {
