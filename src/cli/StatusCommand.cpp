@@ -63,7 +63,8 @@ std::string networkText(const SystemStatus& status) {
 void printReadable(const SystemStatus& status) {
   const auto& cpu = status.cpu;
   std::string processor = fmt::format("{} of {} {}", percent(cpu.usage), cpu.cores, cpu.cores == 1 ? "core" : "cores");
-  if (!cpu.model.empty()) processor += ", " + cpu.model;
+  // The brand is whatever the kernel or firmware says: escaped like any text from outside.
+  if (!cpu.model.empty()) processor += ", " + escapedName(cpu.model);
   fmt::print(stdout,
              "Health       {} ({})\n"
              "Processor    {}\n"
@@ -115,7 +116,8 @@ int runStatus(const std::vector<std::string>& args) {
       printReadable(status);
     }
     if (!watch) return 0;
-    std::fflush(stdout);
+    // Each reading reaches its reader as it is made; once the reader has gone, so does this.
+    if (!flushStandardOutput()) return 1;
     std::this_thread::sleep_for(kWatchInterval);
   }
 }
