@@ -163,7 +163,8 @@ void writeFileReplacing(const std::string& folder, const std::string& fileName, 
 
 } // namespace
 
-StartupItemsService::StartupItemsService(platform::Platform platform) : platform_(std::move(platform)) {}
+StartupItemsService::StartupItemsService(platform::Platform platform, std::chrono::milliseconds readTimeLimit)
+    : platform_(std::move(platform)), readTimeLimit_(readTimeLimit) {}
 
 ShellResult StartupItemsService::runShell(const std::string& executable, const std::vector<std::string>& arguments,
                                           std::optional<std::chrono::milliseconds> timeLimit) const {
@@ -179,10 +180,22 @@ ShellResult StartupItemsService::runShell(const std::string& executable, const s
   const std::string err = decoded(output.standardError);
   ShellResult result;
   result.exitCode = output.timedOut ? -1 : output.exitStatus;
+  result.timedOut = output.timedOut;
   if (err.empty()) result.output = out;
   else if (out.empty()) result.output = err;
   else result.output = out + "\nstderr: " + err;
   return result;
+}
+
+std::optional<std::string> StartupItemsService::readTool(const std::string& executable,
+                                                         const std::vector<std::string>& arguments) const {
+  try {
+    ShellResult result = runShell(executable, arguments, readTimeLimit_);
+    if (result.timedOut) return std::nullopt;
+    return std::move(result.output);
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
 }
 
 std::string StartupItemsService::userAutostartFolder() const { return platform_.paths.inHome(".config/autostart"); }
@@ -201,13 +214,9 @@ std::vector<StartupItem> StartupItemsService::scanLoginItems() {
 
 std::vector<StartupItem> StartupItemsService::scanSystemEventsItems() {
   std::vector<StartupItem> items;
-  ShellResult result;
-  try {
-    result = runShell(kOsascript, {"-e", loginItemListScript()});
-  } catch (const std::exception&) {
-    return items;
-  }
-  for (auto& line : parseLoginItemList(result.output)) {
+  const auto output = readTool(kOsascript, {"-e", loginItemListScript()});
+  if (!output) return items;
+  for (auto& line : parseLoginItemList(*output)) {
     StartupItem item;
     item.id = "login-" + line.path;
     item.name = std::move(line.name);
@@ -257,19 +266,15 @@ EnabledStateSnapshot StartupItemsService::fetchEnabledStates() {
   const std::pair<std::string, std::map<std::string, bool>*> domains[] = {
       {"gui/" + platform::currentUserId(), &states.userOverrides}, {"system", &states.systemOverrides}};
   for (const auto& [domain, overrides] : domains) {
-    try {
-      *overrides = parseDisabledServices(runShell(kLaunchctl, {"print-disabled", domain}).output);
-    } catch (const std::exception&) {
-      // That domain's table stays empty.
-    }
+    // A domain that cannot be read keeps its table empty.
+    if (const auto output = readTool(kLaunchctl, {"print-disabled", domain})) *overrides = parseDisabledServices(*output);
   }
-  try {
-    BackgroundTaskDump dump = parseBackgroundTaskDump(runShell(kSfltool, {"dumpbtm"}).output);
+  // Without the dump, agents and daemons fall back to their overrides.
+  if (const auto output = readTool(kSfltool, {"dumpbtm"})) {
+    BackgroundTaskDump dump = parseBackgroundTaskDump(*output);
     states.btmParentDisabled = std::move(dump.parentDisabled);
     states.btmNamedParentDisabled = std::move(dump.namedParentDisabled);
     states.btmNames = std::move(dump.names);
-  } catch (const std::exception&) {
-    // Without the dump, agents fall back to their overrides, daemons too.
   }
   return states;
 }
@@ -368,10 +373,11 @@ void StartupItemsService::scanServices(bool systemScope, const ProgressCallback&
   if (!systemScope) arguments.insert(arguments.begin(), "--user");
   ShellResult listing;
   try {
-    listing = runSystemctl(arguments, kReadTimeLimit);
+    listing = runSystemctl(arguments, readTimeLimit_);
   } catch (const std::exception&) {
     return;
   }
+  if (listing.timedOut) return;
   const auto folders = unitFolders(systemScope);
   for (const auto& row : parseUnitFileList(listing.output)) {
     // Only what enable and disable can switch: not static, generated or masked units, and not

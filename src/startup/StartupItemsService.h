@@ -14,7 +14,8 @@ namespace halcyra::startup {
 /// What one command left: standard output and standard error as one text, and its status.
 struct ShellResult {
   std::string output;
-  int exitCode = -1; ///< -1 when it did not exit by itself (killed at the time limit)
+  int exitCode = -1; ///< -1 when it did not exit by itself
+  bool timedOut = false; ///< stopped at the time limit: the output may end anywhere
 };
 
 /// The program of a launchd job, as its property list gives it.
@@ -51,7 +52,8 @@ public:
   /// Longest a switch without a password prompt may take (starting a service can be slow).
   static constexpr std::chrono::seconds kSwitchTimeLimit{120};
 
-  explicit StartupItemsService(platform::Platform platform);
+  /// `readTimeLimit` bounds each reading command of a scan.
+  explicit StartupItemsService(platform::Platform platform, std::chrono::milliseconds readTimeLimit = kReadTimeLimit);
 
   std::vector<StartupItem> scanLoginItems() override;
   std::vector<StartupItem> scanLaunchAgents(const ProgressCallback& onProgress) override;
@@ -84,6 +86,9 @@ public:
   std::string systemAutostartFolder() const;
 
 private:
+  /// The text of a reading command; none when it could not be started or was stopped at the
+  /// time limit, as half an answer could read as a different one.
+  std::optional<std::string> readTool(const std::string& executable, const std::vector<std::string>& arguments) const;
   std::vector<StartupItem> scanSystemEventsItems();
   std::vector<StartupItem> scanAutostartEntries() const;
   void scanLaunchdJobs(const EnabledStateSnapshot& states, const ProgressCallback& onProgress,
@@ -100,6 +105,7 @@ private:
   SwitchReport switchService(const std::string& label, const std::string& unitPath, bool systemScope, bool enable);
 
   platform::Platform platform_;
+  std::chrono::milliseconds readTimeLimit_;
 };
 
 } // namespace halcyra::startup

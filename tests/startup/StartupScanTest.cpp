@@ -207,6 +207,18 @@ TEST(ServiceScan, SwitchableUserAndSystemServicesWithTheirUnitFiles) {
   EXPECT_EQ(items[2].label, "syncthing.service");
 }
 
+TEST(RunShell, AHungToolIsStoppedAndTheScanGoesOn) {
+  StartupFixture fx;
+  // The tool's child keeps the pipes open too: the whole group is stopped at the limit.
+  fx.fakeTool("/bin/launchctl", "printf '\\t\"com.acme.agent\" => disabled\\n'; sleep 300 & sleep 300");
+  fx.plist("~/Library/LaunchAgents", "a.plist", "com.acme.agent");
+  StartupItemsService service(fx.platform(), std::chrono::milliseconds(300));
+  const auto items = service.scanLaunchAgents({});
+  ASSERT_EQ(items.size(), 1u);
+  EXPECT_TRUE(items[0].isEnabled) << "what a stopped tool printed is not taken";
+  EXPECT_EQ(service.runShell("/bin/launchctl", {}, std::chrono::milliseconds(300)).exitCode, -1);
+}
+
 TEST(RunShell, DrainsBothPipesAndJoinsThem) {
   StartupFixture fx;
   // More than a pipe holds on each stream, so a reader of one alone would stall the child.
