@@ -13,7 +13,10 @@ StatusLine::StatusLine() : live_(::isatty(STDERR_FILENO) == 1) {}
 
 StatusLine::~StatusLine() { finish(); }
 
-void StatusLine::show(const std::string& line) {
+void StatusLine::show(const std::string& text) {
+  // Status texts name files ("Removing <name>..."): escaped like every name, so that one cannot
+  // break the line or drive the terminal.
+  const std::string line = escapedName(text);
   if (live_) {
     // Cut to the terminal's width so the line never wraps and the next one replaces it whole.
     std::string shown = line;

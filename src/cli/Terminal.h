@@ -22,7 +22,7 @@ public:
   void finish();
 
 private:
-  void show(const std::string& line);
+  void show(const std::string& text);
 
   std::mutex mutex_;
   bool live_;

@@ -160,6 +160,16 @@ TEST(CommandOutput, NamesInReadableOutputCannotForgeLinesWhileJsonKeepsThemWhole
   EXPECT_EQ(readFile(machine.work + "/" + machine.forged), std::string(5000, 'x'));
 }
 
+TEST(CommandOutput, StatusTextsEscapeTheNamesTheyCarry) {
+  Machine machine;
+  machine.dir.file("home/Library/Caches/evil\nRemoving everything\033[2J/blob", 100);
+  const auto cleaned = run(machine.dir, machine.clean({"--yes"}));
+  ASSERT_EQ(cleaned.exitStatus, 0) << cleaned.standardError;
+  EXPECT_THAT(cleaned.standardError, HasSubstr("Removing evil\\nRemoving everything\\033[2J..."));
+  EXPECT_THAT(cleaned.standardError, Not(ContainsRegex("\nRemoving everything")));
+  EXPECT_EQ(cleaned.standardError.find('\033'), std::string::npos);
+}
+
 TEST(CommandOutput, OutputThatCannotBeWrittenIsAFailureWithAMessage) {
   Machine machine;
   const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
