@@ -9,10 +9,26 @@ Item {
     id: startupView
     readonly property string phase: StartupItemsViewModel.phase
 
+    // The results carry the title in their own top bar.
+    ScreenHeader {
+        id: header
+        visible: startupView.phase !== "results"
+        anchors.left: parent.left
+        anchors.top: parent.top
+        anchors.margins: 28
+        anchors.topMargin: 22
+        title: qsTr("Startup Items")
+        subtitle: qsTr("Manage apps and services that launch at startup")
+    }
+
     Loader {
         id: pageLoader
         objectName: "startupPage"
-        anchors.fill: parent
+        anchors.top: header.visible ? header.bottom : parent.top
+        anchors.topMargin: header.visible ? 12 : 0
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
         sourceComponent: startupView.phase === "idle" ? idlePage
                        : startupView.phase === "scanning" ? scanningPage
                        : startupView.phase === "results" ? resultPage
