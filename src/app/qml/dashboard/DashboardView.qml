@@ -113,6 +113,8 @@ Item {
                     entered: dashboard.entered
                     entryDelay: 120
                     symbol: "internaldrive.fill"
+                    gradientColours: [Theme.brandLight, Theme.brandBlue]
+                    fill: "transparent"
                     title: "Macintosh HD"
                     value: dashboard.hasStatus ? dashboardModel.formatBytes(dashboard.status.diskFree) + " " + qsTr("free") : ""
                     detailBelow: true

@@ -17,7 +17,23 @@ DashboardCard {
     property real fraction: 0
     property color barColor: Theme.accent
     property bool showsBar: true
+    // On a gradient of its own, everything in white (the disk card, beside the health card).
+    property var gradientColours: []
+    readonly property bool tinted: gradientColours.length === 2
+    readonly property color textColour: tinted ? "white" : Theme.primaryText
+    readonly property color secondaryColour: tinted ? Qt.rgba(1, 1, 1, 0.8) : Theme.secondaryText
     default property alias extra: extraRow.data
+
+    Rectangle {
+        anchors.fill: parent
+        visible: metric.tinted
+        radius: 16
+        gradient: Gradient {
+            orientation: Gradient.Horizontal
+            GradientStop { position: 0; color: metric.tinted ? metric.gradientColours[0] : "transparent" }
+            GradientStop { position: 1; color: metric.tinted ? metric.gradientColours[1] : "transparent" }
+        }
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -25,11 +41,11 @@ DashboardCard {
         spacing: 3
         RowLayout {
             spacing: 6
-            SymbolIcon { symbol: metric.symbol; color: metric.symbolColor; size: 16 }
+            SymbolIcon { symbol: metric.symbol; color: metric.tinted ? "white" : metric.symbolColor; size: 16 }
             Text {
                 Layout.fillWidth: true
                 text: metric.title
-                color: Theme.secondaryText
+                color: metric.secondaryColour
                 font.pixelSize: Theme.bodySize
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
@@ -39,7 +55,7 @@ DashboardCard {
             spacing: 8
             Text {
                 text: metric.value
-                color: metric.valueColor
+                color: metric.tinted ? "white" : metric.valueColor
                 font.pixelSize: 22
                 font.weight: Font.Bold
             }
@@ -48,7 +64,7 @@ DashboardCard {
                 Layout.fillWidth: true
                 visible: !metric.detailBelow
                 text: metric.detail
-                color: Theme.secondaryText
+                color: metric.secondaryColour
                 font.pixelSize: Theme.bodySize
                 elide: Text.ElideRight
             }
@@ -57,7 +73,7 @@ DashboardCard {
             Layout.fillWidth: true
             visible: metric.detailBelow
             text: metric.detail
-            color: Theme.secondaryText
+            color: metric.secondaryColour
             font.pixelSize: Theme.bodySize
             elide: Text.ElideRight
         }
@@ -71,8 +87,8 @@ DashboardCard {
             Layout.fillWidth: true
             visible: metric.showsBar
             fraction: metric.fraction
-            tint: metric.barColor
-            track: Theme.withAlpha(metric.barColor, 0.15)
+            tint: metric.tinted ? "white" : metric.barColor
+            track: metric.tinted ? Qt.rgba(1, 1, 1, 0.25) : Theme.withAlpha(metric.barColor, 0.15)
         }
     }
 }
