@@ -315,9 +315,8 @@ std::optional<VolumeCapacity> NativeSystemCounters::readHomeVolume() {
 
 NetworkCounters NativeSystemCounters::readNetworkCounters() {
   NetworkCounters counters;
-  if (const auto uptime = words(readSmallFile(paths_.system("/proc/uptime"))); !uptime.empty()) {
-    counters.uptimeSeconds = parseNumber<double>(uptime[0]).value_or(0);
-  }
+  const std::string uptime = readSmallFile(paths_.system("/proc/uptime"), 256);
+  if (const auto fields = words(uptime); !fields.empty()) counters.uptimeSeconds = parseNumber<double>(fields[0]).value_or(0);
   const std::string table = readSmallFile(paths_.system("/proc/net/dev"), 1024 * 1024);
   const std::string netClass = paths_.system("/sys/class/net/");
   const auto rows = lines(table);
