@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/ps/IOPSKeys.h>
 #include <IOKit/ps/IOPowerSources.h>
 #include <ifaddrs.h>
 #include <mach/mach.h>
+#include <mach/vm_page_size.h>
 #include <net/if.h>
+#include <net/if_var.h>
 #include <sys/sysctl.h>
 #include <time.h>
 
