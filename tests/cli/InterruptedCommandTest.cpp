@@ -26,6 +26,7 @@ namespace {
 constexpr int kItems = 400; // several pages of status lines
 
 struct Interrupted {
+  bool smallPipe = true; // false where the pipe could not be made one page small
   int exitStatus = -1;
   std::string standardOutput;
   std::string standardError;
@@ -36,8 +37,14 @@ Interrupted runAndSignal(const TempDir& dir, const std::vector<std::string>& arg
   const char* bin = std::getenv("HALCYRA_TEST_BIN");
   const std::string executable = std::string(bin != nullptr ? bin : "bin") + "/halcyra";
   int errors[2];
-  if (::pipe2(errors, O_CLOEXEC) != 0) return {};
-  ::fcntl(errors[1], F_SETPIPE_SZ, 4096);
+  Interrupted result;
+  if (::pipe2(errors, O_CLOEXEC) != 0) return result;
+  if (::fcntl(errors[1], F_SETPIPE_SZ, 4096) < 0) {
+    ::close(errors[0]);
+    ::close(errors[1]);
+    result.smallPipe = false;
+    return result;
+  }
   const std::string outPath = dir / ".out";
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -53,7 +60,6 @@ Interrupted runAndSignal(const TempDir& dir, const std::vector<std::string>& arg
   const int spawned = posix_spawn(&pid, executable.c_str(), &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   ::close(errors[1]);
-  Interrupted result;
   if (spawned != 0) return result;
   char buffer[256];
   bool signalled = false;
@@ -90,6 +96,7 @@ TEST(InterruptedCommand, AnInterruptedCleanSaysExactlyWhatItHadFreed) {
   dir.file("precious/thesis.txt", "keep");
 
   const auto run = runAndSignal(dir, {"clean", "--yes", "--home", home, "--root", root}, "Removing ", SIGINT);
+  if (!run.smallPipe) GTEST_SKIP() << "pipes cannot be made one page small here";
   EXPECT_EQ(run.exitStatus, 130) << run.standardError;
   std::smatch freed;
   ASSERT_TRUE(std::regex_search(run.standardOutput, freed, std::regex("Interrupted: freed .*, (\\d+) items? in ")))
@@ -107,6 +114,7 @@ TEST(InterruptedCommand, AnInterruptedShredLeavesTheRestWholeAndNoFillBehind) {
   for (int i = 0; i < kItems; ++i) arguments.push_back(dir.file("files/f-" + std::to_string(i), "data " + std::to_string(i)));
 
   const auto run = runAndSignal(dir, arguments, "Shredding ", SIGTERM);
+  if (!run.smallPipe) GTEST_SKIP() << "pipes cannot be made one page small here";
   EXPECT_EQ(run.exitStatus, 143) << run.standardError;
   std::smatch shredded;
   ASSERT_TRUE(std::regex_search(run.standardOutput, shredded, std::regex("Shredded (\\d+) files?")))
