@@ -3,15 +3,29 @@
 # every target of fuzz/ on its seeds for SECONDS (default 30) each, one after the other.
 # Any crash, leak, sanitizer finding or broken property fails the run; the input that caused
 # it is kept in build-fuzz/findings/<name>/ and the target's log is printed.
-#   scripts/fuzz.sh [SECONDS]
+#   scripts/fuzz.sh [SECONDS]        each target for SECONDS (default 30)
+#   scripts/fuzz.sh --budget TOTAL   TOTAL seconds shared by all targets, at least 5 each (CI)
 set -euo pipefail
 top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-seconds="${1:-30}"
-if ! [[ "$seconds" =~ ^[0-9]+$ ]] || (( seconds == 0 )); then
-  echo "usage: scripts/fuzz.sh [seconds-per-target]" >&2
+usage() {
+  echo "usage: scripts/fuzz.sh [seconds-per-target] | --budget total-seconds" >&2
   exit 2
+}
+budget=""
+seconds=30
+if [[ "${1:-}" == "--budget" ]]; then
+  budget="${2:-}"
+  [[ "$budget" =~ ^[0-9]+$ ]] && (( budget > 0 )) || usage
+elif [[ $# -gt 0 ]]; then
+  seconds="$1"
+  [[ "$seconds" =~ ^[0-9]+$ ]] && (( seconds > 0 )) || usage
 fi
 cd "$top"
+if [[ -n "$budget" ]]; then
+  targets=(fuzz/corpus/*/)
+  seconds=$(( budget / ${#targets[@]} ))
+  (( seconds >= 5 )) || seconds=5
+fi
 if [[ ! -f build-fuzz/CMakeCache.txt ]]; then
   cmake --preset fuzz >/dev/null
 fi
