@@ -146,7 +146,11 @@ std::optional<PrivilegedItem> describeForHelper(const std::string& path) {
   const std::string folderPath = slash == 0 ? "/" : path.substr(0, slash);
   const std::string name = path.substr(slash + 1);
   if (name.empty() || name == "." || name == "..") return std::nullopt;
+#if defined(O_PATH)
+  const int folder = ::open(folderPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+#else
   const int folder = ::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+#endif
   if (folder < 0) return std::nullopt;
   struct stat above {};
   struct stat item {};

@@ -30,6 +30,14 @@ namespace {
 
 constexpr std::string_view kEllipsis = "\u2026";
 
+// A file's folder is only searched and written through (openat, renameat, unlinkat), never
+// listed: it needs no right to be read.
+#if defined(O_PATH)
+constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+#else
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+#endif
+
 /// Owns a descriptor and closes it once.
 class Descriptor {
 public:
@@ -348,7 +356,7 @@ std::vector<ShredderFile> ShredderService::resolveFiles(const std::vector<std::s
       continue;
     }
     // The file is bound to the folder it was found in, as that folder's descriptor sees it.
-    const int folder = ::open(parentOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder = ::open(parentOf(path).c_str(), kFolderFlags);
     struct stat above {};
     struct stat seen {};
     const bool bound = folder >= 0 && ::fstat(folder, &above) == 0 &&
@@ -426,7 +434,7 @@ ShredderService::Outcome ShredderService::shredSingleFile(const ShredderFile& fi
     return Outcome::refused;
   }
   const bool bound = file.identity.parent != platform::FileIdentity{};
-  Descriptor folder(::open(parentOf(file.path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  Descriptor folder(::open(parentOf(file.path).c_str(), kFolderFlags));
   if (!folder) {
     if (errno == ENOENT) {
       refusalReason = kGone;
@@ -611,7 +619,7 @@ void ShredderService::fillFreedSpace(std::int64_t totalBytes, const std::vector<
   const std::int64_t target = std::min(totalBytes, kFillLimit);
   if (target < 1) return;
   // Only into the folder that was listed: a folder swapped for a link since gets nothing.
-  Descriptor folder(::open(parentOf(files.front().path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  Descriptor folder(::open(parentOf(files.front().path).c_str(), kFolderFlags));
   struct stat above {};
   if (!folder || ::fstat(folder.get(), &above) != 0) return;
   if (files.front().identity.parent != platform::FileIdentity{} && identityOf(above) != files.front().identity.parent) {
