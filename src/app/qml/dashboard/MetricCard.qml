@@ -41,7 +41,11 @@ DashboardCard {
         spacing: 3
         RowLayout {
             spacing: 6
-            SymbolIcon { symbol: metric.symbol; color: metric.tinted ? "white" : metric.symbolColor; size: 16 }
+            SymbolIcon {
+                symbol: metric.symbol
+                color: metric.tinted ? "white" : metric.symbolColor
+                size: 16
+            }
             Text {
                 Layout.fillWidth: true
                 text: metric.title
